@@ -1,0 +1,35 @@
+// Reference-counted storage base and raw storage functions of the math1 platform layer.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace qv7 {
+namespace math1 {
+
+// Raw storage for array blocks. Returns null when memory is exhausted; never throws.
+void* __vector_num_alloc(std::size_t bytes) noexcept;
+void __vector_num_free(void* raw) noexcept;
+
+class ref_counted {
+public:
+    ref_counted() = default;
+    ref_counted(ref_counted const&) = delete;
+    ref_counted& operator=(ref_counted const&) = delete;
+    virtual ~ref_counted() = default;
+
+    void __acquire() noexcept { refcount.fetch_add(1, std::memory_order_relaxed); }
+    // Drops one reference and destroys the block when it held the last one.
+    void __release() noexcept
+    {
+        if (refcount.fetch_sub(1, std::memory_order_acq_rel) == 1) __destroy();
+    }
+    // Ends the life of a block whose count dropped to 0.
+    void __destroy() noexcept;
+
+    std::atomic<std::int32_t> refcount{0};
+};
+
+}  // namespace math1
+}  // namespace qv7

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# The whole test suite: release build, sanitizer build (AddressSanitizer + UndefinedBehaviorSanitizer),
+# then a short run of every fuzz harness. Fails when anything fails.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+jobs=$(nproc)
+
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Release
+cmake --build build -j"$jobs"
+ctest --test-dir build --output-on-failure -j"$jobs"
+
+cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DTESSARIUM_SANITIZE=ON \
+  -DTESSARIUM_BUILD_BENCH=OFF -DTESSARIUM_BUILD_EXAMPLES=OFF
+cmake --build build-asan -j"$jobs"
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  ctest --test-dir build-asan --output-on-failure -j"$jobs"
+
+if compgen -G "fuzz/*_fuzz.cpp" >/dev/null; then
+  seconds=${TESSARIUM_FUZZ_SECONDS:-$([ "${CI:-}" = true ] && echo 60 || echo 10)}
+  scripts/fuzz.sh "$seconds"
+fi
+echo "all tests passed"

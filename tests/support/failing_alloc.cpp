@@ -1,0 +1,54 @@
+// Replaces the library's raw allocator in the test executable.
+#include "support/failing_alloc.h"
+
+#include "tessarium/ref_counted.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <limits>
+
+namespace {
+std::atomic<std::size_t> budget{std::numeric_limits<std::size_t>::max()};
+std::atomic<std::size_t> asked{0};
+std::atomic<long> live{0};
+}  // namespace
+
+namespace test_alloc {
+void fail_after(std::size_t successes)
+{
+    budget = successes;
+    asked = 0;
+}
+void reset()
+{
+    budget = std::numeric_limits<std::size_t>::max();
+    asked = 0;
+}
+std::size_t requests() { return asked; }
+long live_blocks() { return live; }
+}  // namespace test_alloc
+
+namespace qv7 {
+namespace math1 {
+
+void* __vector_num_alloc(std::size_t bytes) noexcept
+{
+    ++asked;
+    std::size_t left = budget.load();
+    while (left != std::numeric_limits<std::size_t>::max()) {
+        if (left == 0) return nullptr;
+        if (budget.compare_exchange_weak(left, left - 1)) break;
+    }
+    void* p = std::malloc(bytes);
+    if (p) ++live;
+    return p;
+}
+
+void __vector_num_free(void* raw) noexcept
+{
+    if (raw) --live;
+    std::free(raw);
+}
+
+}  // namespace math1
+}  // namespace qv7
