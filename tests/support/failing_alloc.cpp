@@ -11,6 +11,8 @@ namespace {
 std::atomic<std::size_t> budget{std::numeric_limits<std::size_t>::max()};
 std::atomic<std::size_t> asked{0};
 std::atomic<long> live{0};
+constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
+std::atomic<std::size_t> single_failure{none};
 }  // namespace
 
 namespace test_alloc {
@@ -19,9 +21,15 @@ void fail_after(std::size_t successes)
     budget = successes;
     asked = 0;
 }
+void fail_at(std::size_t index)
+{
+    reset();
+    single_failure = index;
+}
 void reset()
 {
-    budget = std::numeric_limits<std::size_t>::max();
+    budget = none;
+    single_failure = none;
     asked = 0;
 }
 std::size_t requests() { return asked; }
@@ -33,7 +41,7 @@ namespace math1 {
 
 void* __vector_num_alloc(std::size_t bytes) noexcept
 {
-    ++asked;
+    if (asked++ == single_failure) return nullptr;
     std::size_t left = budget.load();
     while (left != std::numeric_limits<std::size_t>::max()) {
         if (left == 0) return nullptr;

@@ -7,6 +7,8 @@ namespace test_alloc {
 
 // The next `successes` allocations succeed, every later one fails, until reset().
 void fail_after(std::size_t successes);
+// Only allocation number `index` (0-based, counted from now) fails, until reset().
+void fail_at(std::size_t index);
 void reset();
 // Allocations asked for since the last reset().
 std::size_t requests();
