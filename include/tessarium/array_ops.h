@@ -8,11 +8,13 @@
 
 namespace qv7 {
 
-// Columns that fit in a matrix's storage at its leading dimension (elements when ld is 0).
+// Whether k more columns fit in the matrix's storage at its leading dimension (the column
+// capacity being the element count when ld is 0).
 template <class T>
-std::size_t __column_capacity(dense2D<T> const& M) noexcept
+bool __columns_fit(dense2D<T> const& M, std::size_t k) noexcept
 {
-    return M.ld() ? M.capacity() / M.ld() : M.capacity();
+    std::size_t step = M.ld() ? M.ld() : 1;
+    return (M.cols() + k) * step <= M.capacity();
 }
 
 namespace matvec {
@@ -22,8 +24,12 @@ template <class T>
 bool __push_back(T const* v, std::size_t N, dense2D<T>& M)
 {
     if (!M.empty() && M.rows() != N) return false;
+    if (M.__add_column_in_place()) {
+        std::copy(v, v + N, M.col(M.cols() - 1));
+        return true;
+    }
     std::size_t old_rows = M.rows(), old_cols = M.cols();
-    if (M.empty() || old_cols == __column_capacity(M)) {
+    if (M.empty() || !__columns_fit(M, 1)) {
         std::size_t want = std::max<std::size_t>(2 * old_cols, 4);
         if ((old_rows < N || old_cols < want) && M.resize(N, want)) M.resize(old_rows, old_cols);
     }
@@ -76,7 +82,7 @@ bool __append_columns(std::size_t R, std::size_t k, dense2D<T>& B, bool strict)
 {
     std::size_t c = B.cols(), old_rows = B.rows();
     bool enlarged = true;
-    if (c + k > __column_capacity(B)) {
+    if (!__columns_fit(B, k)) {
         std::size_t want = std::max(k, c) + c;
         if (old_rows < R || c < want) {
             enlarged = B.resize(R, want);

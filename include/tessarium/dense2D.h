@@ -105,6 +105,18 @@ public:
         return true;
     }
 
+    // resize(rows(), cols() + 1) for a matrix with elements whose storage holds one more column.
+    // False, changing nothing, otherwise.
+    bool __add_column_in_place() noexcept
+    {
+        if (empty()) return false;
+        std::size_t need = (cols_ + 1) * ld_;
+        if (need > storage_->capacity - first_) return false;
+        size_ = need;
+        ++cols_;
+        return true;
+    }
+
     // As resize, and every element that the call creates is set to fill.
     bool resize(std::size_t m, std::size_t n, T const& fill)
     {

@@ -4,18 +4,31 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-bool valid_or_none(unsigned const* p, std::size_t count, unsigned n) noexcept
+// True when no p[i] + offset reaches bound (unsigned wrap-around). Scans in blocks without
+// branches so that long runs vectorise, and stops at the first block that fails.
+bool all_shifted_below(unsigned const* p, std::size_t count, unsigned offset, unsigned bound) noexcept
 {
-    for (std::size_t i = 0; i < count; ++i)
-        if (p[i] >= n && p[i] != NONE_ID) return false;
+    constexpr std::size_t block = 256;
+    std::size_t i = 0;
+    for (; i + block <= count; i += block) {
+        unsigned bad = 0;
+        for (std::size_t k = 0; k < block; ++k) bad |= unsigned(p[i + k] + offset >= bound);
+        if (bad) return false;
+    }
+    for (; i < count; ++i)
+        if (p[i] + offset >= bound) return false;
     return true;
 }
 
 bool all_below(unsigned const* p, std::size_t count, unsigned n) noexcept
 {
-    for (std::size_t i = 0; i < count; ++i)
-        if (p[i] >= n) return false;
-    return true;
+    return all_shifted_below(p, count, 0, n);
+}
+
+// v < n or v == NONE_ID is v + 1 <= n in wrapped arithmetic, for any n below NONE_ID.
+bool valid_or_none(unsigned const* p, std::size_t count, unsigned n) noexcept
+{
+    return all_shifted_below(p, count, 1, n + 1);
 }
 
 // Triangles end at a NONE_ID in row 3.
