@@ -13,3 +13,7 @@
 #include "element_type.h"
 #include "histogram.h"
 #include "lapack.h"
+#include "sort_elfes.h"
+#include "medit.h"
+#include "vtk.h"
+#include "ensight.h"
