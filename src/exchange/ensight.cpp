@@ -131,18 +131,17 @@ int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<un
 int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
                    element_type FE)
 {
-    dense1D<int, 8> FEs = __group_types(FE);
-    if (FEs.empty()) return -199;
-    return ensight_output(file_name, pos, &connectM, &connectM + 1, FEs);
+    return __with_groups(connectM, FE, [&](auto first, auto last, auto const& FEs) {
+        return ensight_output(file_name, pos, first, last, FEs);
+    });
 }
 
 int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
                    dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2)
 {
-    dense2D<unsigned> groups[2] = {connectM1, connectM2};
-    dense1D<int, 8> FEs = __group_types(FE1, FE2);
-    if (FEs.empty()) return -199;
-    return ensight_output(file_name, pos, groups, groups + 2, FEs);
+    return __with_groups(connectM1, connectM2, FE1, FE2, [&](auto first, auto last, auto const& FEs) {
+        return ensight_output(file_name, pos, first, last, FEs);
+    });
 }
 
 }  // namespace tessarium

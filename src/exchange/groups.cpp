@@ -77,22 +77,5 @@ bool __split_groups(dense2D<unsigned> const* first, dense2D<unsigned> const* las
     return true;
 }
 
-dense1D<int, 8> __group_types(element_type FE1)
-{
-    dense1D<int, 8> FEs(1);
-    if (FEs.size() == 1) FEs[0] = FE1;
-    return FEs;
-}
-
-dense1D<int, 8> __group_types(element_type FE1, element_type FE2)
-{
-    dense1D<int, 8> FEs(2);
-    if (FEs.size() == 2) {
-        FEs[0] = FE1;
-        FEs[1] = FE2;
-    }
-    return FEs;
-}
-
 }  // namespace tessarium
 }  // namespace qv7

@@ -27,9 +27,26 @@ int __check_groups(dense2D<unsigned> const* first, dense2D<unsigned> const* last
 bool __split_groups(dense2D<unsigned> const* first, dense2D<unsigned> const* last, dense1D<int, 8> const& FEs,
                     __block_list& list);
 
-// The element types of a range of groups, as the writers take them; empty if it could not be sized.
-dense1D<int, 8> __group_types(element_type FE1);
-dense1D<int, 8> __group_types(element_type FE1, element_type FE2);
+// The single-group and two-group forms of the writers: `write(first, last, FEs)` on a range made
+// of the given matrices (shallow copies) and their types; -199 when the types cannot be stored.
+template <class Write>
+int __with_groups(dense2D<unsigned> const& connectM, element_type FE, Write write)
+{
+    dense1D<int, 8> FEs(1, FE);
+    if (FEs.empty()) return -199;
+    return write(&connectM, &connectM + 1, FEs);
+}
+
+template <class Write>
+int __with_groups(dense2D<unsigned> const& connectM1, dense2D<unsigned> const& connectM2, element_type FE1,
+                  element_type FE2, Write write)
+{
+    dense2D<unsigned> groups[2] = {connectM1, connectM2};
+    dense1D<int, 8> FEs(2, FE1);
+    if (FEs.empty()) return -199;
+    FEs[1] = FE2;
+    return write(groups, groups + 2, FEs);
+}
 
 }  // namespace tessarium
 }  // namespace qv7

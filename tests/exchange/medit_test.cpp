@@ -23,15 +23,7 @@ std::string real_of_whole(unsigned j)
     return std::to_string(j / 10) + "." + std::to_string(j % 10) + "00000E+01";
 }
 
-// A 1-row pos with x = 0, 1, ..., n - 1, and its vertex section.
-dense2D<double> line_of_nodes(unsigned n)
-{
-    dense2D<double> pos;
-    pos.resize(1, n);
-    for (unsigned j = 0; j < n; ++j) pos(0, j) = j;
-    return pos;
-}
-
+// The vertex section of line_of_nodes(1, n).
 std::string vertices_of_line(unsigned n)
 {
     std::string text = "Vertices\n" + std::to_string(n) + "\n";
@@ -78,7 +70,7 @@ TEST(MeditOutput, EveryTypeBySectionsOfExactType)
         groups.push_back(t == ET_NONE ? dense2D<unsigned>() : local_rows(nbr_nodes(t)));
         FEs.push_back(t);
     }
-    auto pos = line_of_nodes(27);
+    auto pos = line_of_nodes(1, 27);
     std::string path = temp_path("all_types.mesh");
     ASSERT_EQ(medit_output(path.c_str(), pos, groups.data(), groups.data() + groups.size(), FEs), 0);
     EXPECT_EQ(contents(path), header1 + vertices_of_line(27) +
@@ -103,13 +95,9 @@ TEST(MeditOutput, EveryTypeBySectionsOfExactType)
 
 TEST(MeditOutput, MixedGroupsAreSplitOnACopy)
 {
-    auto pos = coords(3, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1, 0, 1, 1, 1, 1, 0, 1, 1, 0.5, 0.5, 2});
-    auto solids = connect(8, {0, 1, 2, 4, N, N, N, N,  // tetrahedron
-                              0, 1, 2, 3, 4, 5, 6, 7,  // hexahedron
-                              0, 1, 2, 3, 8, N, N, N,  // pyramid
-                              0, 1, 2, 4, 5, 6, N, N,  // wedge
-                              1, 2, 3, 8, N, N, N, N});  // tetrahedron
-    auto faces = connect(4, {0, 1, 2, N, 4, 5, 6, 7, 5, 6, 7, N});
+    auto pos = cube_and_apex();
+    auto solids = mixed_solids();
+    auto faces = mixed_faces();
     std::vector<unsigned> solids_before(solids.col(0), solids.col(0) + solids.size());
     std::string path = temp_path("mixed.mesh");
     ASSERT_EQ(medit_output(path.c_str(), pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX), 0);
@@ -161,7 +149,7 @@ TEST(MeditOutput, ReferencesFromIDsInTwoDimensions)
 
 TEST(MeditOutput, TypesWithoutEntityAndEmptyMeshes)
 {
-    auto pos = line_of_nodes(13);
+    auto pos = line_of_nodes(1, 13);
     std::string path = temp_path("quiet.mesh");
     ASSERT_EQ(medit_output(path.c_str(), pos, local_rows(13), ET_PYRAMID13), 0);
     EXPECT_EQ(contents(path), header1 + vertices_of_line(13) + "End\n");

@@ -19,16 +19,8 @@ std::string const header =
 
 std::vector<unsigned> values(dense1D<unsigned, 8> const& a) { return std::vector<unsigned>(a.begin(), a.end()); }
 
-// A 2-row pos with nodes (j, 0), j = 0 .. n - 1, and its POINTS section ("%f" of a whole number
-// is the number and six zero decimals).
-dense2D<double> line_of_nodes(unsigned n)
-{
-    dense2D<double> pos;
-    pos.resize(2, n, 0.0);
-    for (unsigned j = 0; j < n; ++j) pos(0, j) = j;
-    return pos;
-}
-
+// The POINTS section of line_of_nodes(2, n) ("%f" of a whole number is the number and six zero
+// decimals).
 std::string points_of_line(unsigned n)
 {
     std::string text = "\nPOINTS " + std::to_string(n) + " double\n";
@@ -91,7 +83,7 @@ TEST(VtkOutput, EveryTypeWithItsPolyVertexCell)
         FEs.push_back(t);
     }
     std::string path = temp_path("all_types.vtk");
-    ASSERT_EQ(vtk_output(path.c_str(), line_of_nodes(27), groups.data(), groups.data() + groups.size(), FEs), 0);
+    ASSERT_EQ(vtk_output(path.c_str(), line_of_nodes(2, 27), groups.data(), groups.data() + groups.size(), FEs), 0);
     EXPECT_EQ(contents(path), header + points_of_line(27) +
                                   "\nCELLS 25 172\n"
                                   "2 0 1 \n"
@@ -116,13 +108,9 @@ TEST(VtkOutput, EveryTypeWithItsPolyVertexCell)
 
 TEST(VtkOutput, MixedGroupsLargestNodeCountFirst)
 {
-    auto pos = coords(3, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1, 0, 1, 1, 1, 1, 0, 1, 1, 0.5, 0.5, 2});
-    auto solids = connect(8, {0, 1, 2, 4, N, N, N, N,  // tetrahedron
-                              0, 1, 2, 3, 4, 5, 6, 7,  // hexahedron
-                              0, 1, 2, 3, 8, N, N, N,  // pyramid
-                              0, 1, 2, 4, 5, 6, N, N,  // wedge
-                              1, 2, 3, 8, N, N, N, N});  // tetrahedron
-    auto faces = connect(4, {0, 1, 2, N, 4, 5, 6, 7, 5, 6, 7, N});
+    auto pos = cube_and_apex();
+    auto solids = mixed_solids();
+    auto faces = mixed_faces();
     std::string path = temp_path("mixed.vtk");
     ASSERT_EQ(vtk_output(path.c_str(), pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX), 0);
     EXPECT_EQ(contents(path), header +

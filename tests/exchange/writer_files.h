@@ -1,7 +1,7 @@
 // Small helpers for the writer tests: arrays from literal lists, temporary paths, file contents.
 #pragma once
 
-#include "tessarium/dense2D.h"
+#include "tessarium/element_type.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +11,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 namespace writer_files {
 
@@ -46,10 +48,43 @@ inline qv7::dense2D<unsigned> local_rows(std::size_t rows)
     return M;
 }
 
-// A fresh path in the test temporary directory (an old file of that name is removed).
+// n nodes on the x axis at x = 0, 1, ..., n - 1, with `rows` coordinates each.
+inline qv7::dense2D<double> line_of_nodes(std::size_t rows, unsigned n)
+{
+    qv7::dense2D<double> pos;
+    pos.resize(rows, n, 0.0);
+    for (unsigned j = 0; j < n; ++j) pos(0, j) = j;
+    return pos;
+}
+
+// The unit cube's corners (bottom face first) and an apex at (0.5, 0.5, 2).
+inline qv7::dense2D<double> cube_and_apex()
+{
+    return coords(3, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1, 0, 1, 1, 1, 1, 0, 1, 1, 0.5, 0.5, 2});
+}
+
+// Over cube_and_apex: a tetrahedron, a hexahedron, a pyramid, a wedge and a tetrahedron.
+inline qv7::dense2D<unsigned> mixed_solids()
+{
+    constexpr unsigned N = qv7::NONE_ID;
+    return connect(8, {0, 1, 2, 4, N, N, N, N,  //
+                       0, 1, 2, 3, 4, 5, 6, 7,  //
+                       0, 1, 2, 3, 8, N, N, N,  //
+                       0, 1, 2, 4, 5, 6, N, N,  //
+                       1, 2, 3, 8, N, N, N, N});
+}
+
+// A triangle, a quadrangle and a triangle.
+inline qv7::dense2D<unsigned> mixed_faces()
+{
+    constexpr unsigned N = qv7::NONE_ID;
+    return connect(4, {0, 1, 2, N, 4, 5, 6, 7, 5, 6, 7, N});
+}
+
+// A fresh path in the test temporary directory, private to this process.
 inline std::string temp_path(std::string const& name)
 {
-    std::string path = ::testing::TempDir() + "tessarium_" + name;
+    std::string path = ::testing::TempDir() + "tessarium_" + std::to_string(getpid()) + "_" + name;
     std::remove(path.c_str());
     return path;
 }
