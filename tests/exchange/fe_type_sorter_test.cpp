@@ -1,5 +1,3 @@
-#include "exchange/fe_type_sorter.h"
-
 #include "exchange/writer_files.h"
 #include "support/failing_alloc.h"
 #include "tessarium/element_type.h"
@@ -156,23 +154,6 @@ TEST(FeTypeSorter, CompanionWithOtherColumnCountIsRefused)
     EXPECT_EQ(sort_elfes(M, nb, sizes, ends, new_indices), -1);
     EXPECT_EQ(column(M, 1), (std::vector<unsigned>{2, N}));
     EXPECT_EQ(nb.cols(), 3u);
-}
-
-TEST(FeTypeSorter, SorterObjectAndItsHelpers)
-{
-    auto M = connect(3, {1, 2, N, 3, 4, 5});
-    dense2D<unsigned> nb;
-    fe_type_sorter sorter(M, nb);
-    EXPECT_EQ(sorter.__valid_nodes(0ul), 2u);
-    EXPECT_EQ(sorter.__valid_nodes(M.col(1)), 3u);
-    dense1D<unsigned, 8> work;
-    sorter.__swap_cols(0ul, 1ul, work);
-    EXPECT_EQ(column(M, 0), (std::vector<unsigned>{3, 4, 5}));
-    EXPECT_EQ(work.size(), 3u);
-    unsigned a[2] = {7, 8}, b[2] = {9, 10};
-    sorter.__swap_cols(a, b, work, 2);
-    EXPECT_EQ(a[0], 9u);
-    EXPECT_EQ(b[1], 8u);
 }
 
 TEST(FeTypeSorter, FailedAllocationLeavesMatrixUntouched)
