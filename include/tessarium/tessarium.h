@@ -14,3 +14,7 @@
 #include "histogram.h"
 #include "lapack.h"
 #include "index_utilities.h"
+#include "sort_elfes.h"
+#include "medit.h"
+#include "vtk.h"
+#include "ensight.h"
