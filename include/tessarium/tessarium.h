@@ -14,3 +14,4 @@
 #include "histogram.h"
 #include "lapack.h"
 #include "index_utilities.h"
+#include "finite_rotation.h"
