@@ -15,3 +15,4 @@
 #include "lapack.h"
 #include "index_utilities.h"
 #include "finite_rotation.h"
+#include "transforms.h"
