@@ -2,11 +2,16 @@
 #pragma once
 
 #include "tessarium/dense2D.h"
+#include "tessarium/element_type.h"
 
 #include <initializer_list>
 #include <vector>
 
 namespace node_arrays {
+
+using qv7::NONE_ID;
+using V = std::vector<unsigned>;
+using D = std::vector<double>;
 
 template <class T = unsigned>
 qv7::dense1D<T, 8> list(std::initializer_list<T> values)
