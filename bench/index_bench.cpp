@@ -94,6 +94,17 @@ void BM_get_sorted_order(benchmark::State& state)
     }
 }
 
+// The same with outputs whose storage is reused from call to call, as in a loop of a caller.
+void BM_get_sorted_order_reused(benchmark::State& state)
+{
+    IDs values = mesh(state.range(0)).flat();
+    IDs order, offsets;
+    for (auto _ : state) {
+        qv7::tessarium::get_sorted_order(values, order, offsets);
+        benchmark::DoNotOptimize(order.data());
+    }
+}
+
 // What a comparison sort costs for the same order: positions sorted stably by value.
 void BM_stable_sort_order(benchmark::State& state)
 {
@@ -114,6 +125,7 @@ void configure(benchmark::internal::Benchmark* b)
 BENCHMARK(BM_unique_indices)->Apply(configure);
 BENCHMARK(BM_bit_vector_unique)->Apply(configure);
 BENCHMARK(BM_get_sorted_order)->Apply(configure);
+BENCHMARK(BM_get_sorted_order_reused)->Apply(configure);
 BENCHMARK(BM_stable_sort_order)->Apply(configure);
 
 }  // namespace
