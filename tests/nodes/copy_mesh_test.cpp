@@ -15,18 +15,9 @@ using vec2 = qv7::vector_fixed<double, 2>;
 using vec3 = qv7::vector_fixed<double, 3>;
 namespace ts = qv7::tessarium;
 
-// Node j at (j, 10 j).
-qv7::dense2D<double> nodes(std::size_t n)
-{
-    qv7::dense2D<double> pos;
-    pos.resize(2, n);
-    for (std::size_t j = 0; j < n; ++j) pos(0, j) = double(j), pos(1, j) = 10.0 * j;
-    return pos;
-}
-
 TEST(CopyMesh, CopiesUsedNodesInFirstSeenOrderAndKeepsMixedEnds)
 {
-    auto pos = nodes(5);
+    auto pos = nodes(5, 2);
     auto connect = matrix<unsigned>(4, 2, {3, 1, 2, NONE_ID, 1, 0, 2, 99});
     qv7::dense2D<unsigned> connectM = matrix<unsigned>(1, 1, {42});
     EXPECT_EQ(ts::copy_mesh(pos, connectM, connect), 0);

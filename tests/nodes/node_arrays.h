@@ -32,6 +32,16 @@ qv7::dense2D<T> matrix(std::size_t rows, std::size_t cols, std::initializer_list
     return M;
 }
 
+// n nodes on `rows` rows, node j at (j, 10 j, 100 j).
+inline qv7::dense2D<double> nodes(std::size_t n, std::size_t rows)
+{
+    qv7::dense2D<double> pos;
+    pos.resize(rows, n);
+    for (std::size_t j = 0; j < n; ++j)
+        for (std::size_t i = 0, scale = 1; i < rows; ++i, scale *= 10) pos(i, j) = double(j * scale);
+    return pos;
+}
+
 template <class T>
 std::vector<T> values(qv7::dense1D<T, 8> const& a)
 {

@@ -14,14 +14,7 @@ using vec2 = qv7::vector_fixed<double, 2>;
 using vec3 = qv7::vector_fixed<double, 3>;
 namespace ts = qv7::tessarium;
 
-// n nodes on one row at x = 0, 1, 2, ...
-qv7::dense2D<double> line_of_nodes(std::size_t n)
-{
-    qv7::dense2D<double> pos;
-    pos.resize(1, n);
-    for (std::size_t j = 0; j < n; ++j) pos(0, j) = double(j);
-    return pos;
-}
+qv7::dense2D<double> line_of_nodes(std::size_t n) { return nodes(n, 1); }
 
 void expect_near(std::vector<double> const& got, std::vector<double> const& want)
 {
