@@ -18,3 +18,5 @@
 #include "medit.h"
 #include "vtk.h"
 #include "ensight.h"
+#include "finite_rotation.h"
+#include "transforms.h"
