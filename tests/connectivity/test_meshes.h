@@ -55,7 +55,7 @@ struct mesh {
 // Orientation of a solid by the sign convention of its kind, told by its count of real nodes.
 inline double solid_sign(mesh const& m, column const& c)
 {
-    auto P = [&](unsigned k) { return m.pos[c[k]]; };
+    auto P = [&](unsigned k) { return m.pos[c.at(k)]; };
     switch (c.size() - std::count(c.begin(), c.end(), NONE)) {
     case 4: return det(P(0) - P(3), P(1) - P(3), P(2) - P(3));
     case 5: return dot(cross(P(1) - P(0), P(3) - P(0)), P(4) - P(0));
