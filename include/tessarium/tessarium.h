@@ -13,4 +13,6 @@
 #include "element_type.h"
 #include "histogram.h"
 #include "lapack.h"
+#include "index_utilities.h"
+#include "finite_rotation.h"
 #include "connectivity.h"
