@@ -21,6 +21,7 @@
 
 #include "tessarium/element_type.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace qv7 {
@@ -98,22 +99,28 @@ struct edge2 {
     static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return a[0] == c[0] ? 1 : 0; }
 };
 
-struct faceT3 {
+// What faces share: their edges are their sides, and sides compare by the side test.
+template <class Face>
+struct __face_sides {
+    static unsigned nbr_edges(unsigned const* row) noexcept { return Face::nbr_boundaries(row); }
+    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
+    {
+        return Face::copy_boundary_nodes(e, row, out);
+    }
+    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return __side_comparison(a, c); }
+};
+
+struct faceT3 : __face_sides<faceT3> {
     static constexpr unsigned nbr_rows = 3, stride = 3, boundary_width = 2, max_edges = 3;
     // Side b runs from CYCLIC[b] to CYCLIC[b + 1]; it is the side opposite node b.
     static constexpr unsigned char CYCLIC[4] = {1, 2, 0, 1};
 
     static unsigned nbr_boundaries(unsigned const*) noexcept { return 3; }
-    static unsigned nbr_edges(unsigned const*) noexcept { return 3; }
 
     static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
     {
         if (b > 2) return out;
         return __copy_local(CYCLIC + b, 2, row, out);
-    }
-    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
-    {
-        return copy_boundary_nodes(e, row, out);
     }
     // Node p lies on the sides CYCLIC[p] and CYCLIC[p + 1].
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
@@ -124,7 +131,6 @@ struct faceT3 {
         *out++ = CYCLIC[p + 1];
         return out;
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return __side_comparison(a, c); }
 
     // Two triples of nodes: 1 for the same triangle turning the same way, -1 turning the other
     // way, 0 for different triangles. Anchored at the smallest node, so the start does not matter.
@@ -143,13 +149,12 @@ struct faceT3 {
     };
 };
 
-struct faceQ4 {
+struct faceQ4 : __face_sides<faceQ4> {
     static constexpr unsigned nbr_rows = 4, stride = 4, boundary_width = 2, max_edges = 4;
     // Side b runs from node b to node CYCLIC[b].
     static constexpr unsigned char CYCLIC[4] = {1, 2, 3, 0};
 
     static unsigned nbr_boundaries(unsigned const*) noexcept { return 4; }
-    static unsigned nbr_edges(unsigned const*) noexcept { return 4; }
 
     static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
     {
@@ -157,10 +162,6 @@ struct faceQ4 {
         *out++ = row[b];
         *out++ = row[CYCLIC[b]];
         return out;
-    }
-    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
-    {
-        return copy_boundary_nodes(e, row, out);
     }
     // Node p ends side p - 1 and starts side p.
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
@@ -171,7 +172,6 @@ struct faceQ4 {
         *out++ = p;
         return out;
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return __side_comparison(a, c); }
 
     // As faceT3::orientation on quadruples; the same four nodes with other diagonals differ.
     struct orientation {
@@ -191,28 +191,22 @@ struct faceQ4 {
 };
 
 // Triangles and quadrangles in four rows; a triangle has NONE_ID in row 3.
-struct face_mix {
+struct face_mix : __face_sides<face_mix> {
     static constexpr unsigned nbr_rows = 4, stride = 4, boundary_width = 2, max_edges = 4;
 
     static bool is_quadrangle(unsigned const* row) noexcept { return row[3] != NONE_ID; }
     static unsigned nbr_boundaries(unsigned const* row) noexcept { return is_quadrangle(row) ? 4 : 3; }
-    static unsigned nbr_edges(unsigned const* row) noexcept { return nbr_boundaries(row); }
 
     static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
     {
         return is_quadrangle(row) ? faceQ4::copy_boundary_nodes(b, row, out)
                                   : faceT3::copy_boundary_nodes(b, row, out);
     }
-    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
-    {
-        return copy_boundary_nodes(e, row, out);
-    }
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
     {
         return is_quadrangle(row) ? faceQ4::copy_boundary_IDs(node, row, out)
                                   : faceT3::copy_boundary_IDs(node, row, out);
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return __side_comparison(a, c); }
 };
 
 // Faces of solids with triangles and quadrangles: a triangle has NONE_ID as fourth node and never
@@ -268,7 +262,33 @@ struct tetra4 {
     }
 };
 
-struct pyramid5 {
+// What pyramids, wedges and hexahedra share: faces kept as FACES columns, edges as EDGES pairs,
+// the same counts in every column.
+template <class Solid>
+struct __tabled_solid {
+    static unsigned nbr_boundaries(unsigned const*) noexcept { return Solid::stride; }
+    static unsigned nbr_edges(unsigned const*) noexcept { return Solid::max_edges; }
+    static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
+    {
+        return __copy_face(Solid::FACES, b, row, out);
+    }
+    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
+    {
+        return __copy_edge(Solid::EDGES, e, row, out);
+    }
+};
+
+// The faces that hold a node, from a table of three faces per local node.
+template <unsigned NN>
+unsigned* __copy_node_faces(unsigned char const (&node_faces)[NN][3], unsigned node, unsigned const* row,
+                            unsigned* out) noexcept
+{
+    unsigned p = __local_position(node, row, NN);
+    if (p == NN) return out;
+    return std::copy(node_faces[p], node_faces[p] + 3, out);
+}
+
+struct pyramid5 : __tabled_solid<pyramid5> {
     static constexpr unsigned nbr_rows = 5, stride = 5, boundary_width = 4, max_edges = 8;
     // Four triangles around the apex 4, then the base.
     static constexpr unsigned FACES[4][5] = {
@@ -276,17 +296,6 @@ struct pyramid5 {
     static constexpr unsigned char EDGES[8][2] = {{0, 4}, {1, 4}, {2, 4}, {3, 4},
                                                   {0, 1}, {1, 2}, {2, 3}, {3, 0}};
 
-    static unsigned nbr_boundaries(unsigned const*) noexcept { return 5; }
-    static unsigned nbr_edges(unsigned const*) noexcept { return 8; }
-
-    static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
-    {
-        return __copy_face(FACES, b, row, out);
-    }
-    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
-    {
-        return __copy_edge(EDGES, e, row, out);
-    }
     // A base node p lies on the triangles p - 1 and p and on the base; the apex on all triangles.
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
     {
@@ -307,7 +316,7 @@ struct pyramid5 {
     }
 };
 
-struct wedge6 {
+struct wedge6 : __tabled_solid<wedge6> {
     static constexpr unsigned nbr_rows = 6, stride = 5, boundary_width = 4, max_edges = 9;
     // Two triangles (bottom 0 1 2, top 3 4 5), then three quadrangles.
     static constexpr unsigned FACES[4][5] = {
@@ -317,23 +326,9 @@ struct wedge6 {
     static constexpr unsigned char NODE_FACES[6][3] = {{0, 3, 4}, {0, 4, 2}, {0, 2, 3},
                                                        {1, 3, 4}, {1, 4, 2}, {1, 2, 3}};
 
-    static unsigned nbr_boundaries(unsigned const*) noexcept { return 5; }
-    static unsigned nbr_edges(unsigned const*) noexcept { return 9; }
-
-    static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
-    {
-        return __copy_face(FACES, b, row, out);
-    }
-    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
-    {
-        return __copy_edge(EDGES, e, row, out);
-    }
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
     {
-        unsigned p = __local_position(node, row, 6);
-        if (p == 6) return out;
-        for (unsigned k = 0; k < 3; ++k) *out++ = NODE_FACES[p][k];
-        return out;
+        return __copy_node_faces(NODE_FACES, node, row, out);
     }
     static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept
     {
@@ -341,7 +336,7 @@ struct wedge6 {
     }
 };
 
-struct hexa8 {
+struct hexa8 : __tabled_solid<hexa8> {
     static constexpr unsigned nbr_rows = 8, stride = 6, boundary_width = 4, max_edges = 12;
     static constexpr unsigned FACES[4][6] = {
         {0, 1, 0, 3, 0, 4}, {3, 5, 4, 2, 1, 7}, {7, 6, 5, 6, 2, 6}, {4, 2, 1, 7, 3, 5}};
@@ -353,23 +348,9 @@ struct hexa8 {
     static constexpr unsigned char NODE_NODES[8][3] = {{1, 3, 4}, {2, 0, 5}, {3, 1, 6}, {0, 2, 7},
                                                        {7, 5, 0}, {4, 6, 1}, {5, 7, 2}, {6, 4, 3}};
 
-    static unsigned nbr_boundaries(unsigned const*) noexcept { return 6; }
-    static unsigned nbr_edges(unsigned const*) noexcept { return 12; }
-
-    static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
-    {
-        return __copy_face(FACES, b, row, out);
-    }
-    static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
-    {
-        return __copy_edge(EDGES, e, row, out);
-    }
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
     {
-        unsigned p = __local_position(node, row, 8);
-        if (p == 8) return out;
-        for (unsigned k = 0; k < 3; ++k) *out++ = NODE_FACES[p][k];
-        return out;
+        return __copy_node_faces(NODE_FACES, node, row, out);
     }
     static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept
     {
