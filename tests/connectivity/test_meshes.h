@@ -1,5 +1,5 @@
 // Structured test meshes with coordinates. Elements are oriented from their coordinates alone,
-// so that the tables under test play no part in building them.
+// so that the tables under test are not used to build them.
 #pragma once
 
 #include "tessarium/dense2D.h"
