@@ -20,3 +20,4 @@
 #include "ensight.h"
 #include "finite_rotation.h"
 #include "transforms.h"
+#include "connectivity.h"
