@@ -13,3 +13,5 @@
 #include "element_type.h"
 #include "histogram.h"
 #include "lapack.h"
+#include "nastran.h"
+#include "femap.h"
