@@ -96,7 +96,10 @@ int read_element(std::istream& in, std::vector<std::string> const& words, elemen
     }
     if (!append_element(in, *kind, s)) return -199;
     __skip_lines(in, 4);
-    if (!s.IDs.push_back(value)) return -199;
+    if (!s.IDs.push_back(value)) {
+        s.connectM.resize(s.connectM.rows(), s.connectM.cols() - 1);  // in place: one ID per column
+        return -199;
+    }
     ++s.count;
     return track_group(kind->type, s) ? 0 : -199;
 }

@@ -232,7 +232,10 @@ int accept_card(element_card const& card, dense1D<unsigned, 8> const& fields, el
     if (nodes != nbr_nodes(type)) return card.total;
     std::size_t column = out.connectM.cols();
     if (!append_element(fields.data() + 2, nodes, type, out.connectM)) return -199;
-    if (!out.PIDs.push_back(card.PID)) return -199;
+    if (!out.PIDs.push_back(card.PID)) {
+        out.connectM.resize(out.connectM.rows(), column);  // in place: one property ID per column
+        return -199;
+    }
     if (out.FEs.empty()) return out.FEs.push_back(type) ? 0 : -199;
     if (out.FEs[out.FEs.size() - 1] == type) return 0;
     return out.FEs.push_back(type) && out.indices.push_back(static_cast<unsigned>(column)) ? 0 : -199;

@@ -291,6 +291,7 @@ TEST(NastranInput, FailedGrowthGivesMinus199AndKeepsTheIndicesClosed)
             break;
         }
         ASSERT_EQ(d.result, -199) << successes;
+        EXPECT_EQ(d.PIDs.size(), d.connectM.cols());
         ++failures;
         if (!d.indices.empty() && d.indices[d.indices.size() - 1] != 0) {
             EXPECT_EQ(d.indices[d.indices.size() - 1], d.connectM.cols());
