@@ -435,3 +435,14 @@ TEST(NastranInput, DecksOfOtherSoftware)
     EXPECT_EQ(count_of(quadratic, ET_HEXA20), 24u);
     EXPECT_EQ(count_of(quadratic, ET_FACE_Q8), 24u);
 }
+
+TEST(NastranInput, ArraysGrowByDoublingNotPerCard)
+{
+    std::string text = "BEGIN BULK\n";
+    for (int k = 1; k <= 50000; ++k) text += "GRID," + std::to_string(k) + ",0,1.,2.,3.\n";
+    for (int k = 1; k <= 50000; ++k) text += "CTETRA," + std::to_string(k) + ",1,1,2,3,4\n";
+    test_alloc::reset();
+    deck d = read_deck(text + "ENDDATA\n");
+    EXPECT_EQ(d.connectM.cols(), 50000u);
+    EXPECT_LT(test_alloc::requests(), 120u);  // about log2(50000) per growing array
+}
