@@ -100,10 +100,7 @@ int FEMAP_output(char const* file_name, dense2D<double> const& pos, dense2D<unsi
 {
     dense1D<unsigned, 8> indices, IDs;
     dense1D<int, 8> FEs;
-    std::size_t cols = connectM.cols();
-    if (!indices.push_back(0u) || !indices.push_back(static_cast<unsigned>(cols)) || !FEs.push_back(FE) ||
-        !IDs.push_back_n(1u, cols))
-        return -199;
+    if (!__one_group(connectM.cols(), FE, indices, FEs, IDs)) return -199;
     return FEMAP_output(file_name, pos, connectM, indices, FEs, IDs);
 }
 
@@ -117,10 +114,7 @@ int FEMAP_output(char const* file_name, dense2D<double> const& pos, dense2D<unsi
     dense1D<unsigned, 8> indices, IDs;
     dense1D<int, 8> FEs;
     if (!__concatenate(connectM1, connectM2, all)) return -199;
-    if (!indices.push_back(0u) || !indices.push_back(static_cast<unsigned>(c1)) ||
-        !indices.push_back(static_cast<unsigned>(c2)) || !FEs.push_back(FE1) || !FEs.push_back(FE2) ||
-        !IDs.push_back_n(1u, c1) || !IDs.push_back_n(2u, c2))
-        return -199;
+    if (!__two_groups(c1, c2, c2, FE1, FE2, indices, FEs, IDs)) return -199;
     return FEMAP_output(file_name, pos, all, indices, FEs, IDs);
 }
 

@@ -66,6 +66,51 @@ bool __concatenate(dense2D<unsigned> const& A, dense2D<unsigned> const& B, dense
     return true;
 }
 
+void __empty_results(dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
+                     dense1D<int, 8>& FEs, dense1D<unsigned, 8>& per_element) noexcept
+{
+    pos.clear();
+    connectM.clear();
+    indices.clear();
+    FEs.clear();
+    per_element.clear();
+}
+
+element_type __single_group_type(int result, dense1D<int, 8> const& FEs) noexcept
+{
+    return result >= 0 && FEs.size() == 1 ? static_cast<element_type>(FEs[0]) : ET_NONE;
+}
+
+void __first_two_groups(int result, dense2D<unsigned> const& all, dense1D<unsigned, 8> const& indices,
+                        dense1D<int, 8> const& FEs, bool first_keeps_rows, dense2D<unsigned>& M1,
+                        dense2D<unsigned>& M2, element_type& FE1, element_type& FE2)
+{
+    if (result < 0) return;
+    if (indices.size() >= 2 && FEs.size() >= 1) {
+        FE1 = static_cast<element_type>(FEs[0]);
+        M1 = __group_view(all, indices, 0, first_keeps_rows ? all.rows() : nbr_nodes(FE1));
+    }
+    if (indices.size() >= 3 && FEs.size() >= 2) {
+        FE2 = static_cast<element_type>(FEs[1]);
+        M2 = __group_view(all, indices, 1, nbr_nodes(FE2));
+    }
+}
+
+bool __one_group(std::size_t cols, element_type FE, dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs,
+                 dense1D<unsigned, 8>& per_element)
+{
+    return indices.push_back(0u) && indices.push_back(static_cast<unsigned>(cols)) && FEs.push_back(FE) &&
+           per_element.push_back_n(1u, cols);
+}
+
+bool __two_groups(std::size_t c1, std::size_t c2, std::size_t end2, element_type FE1, element_type FE2,
+                  dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& per_element)
+{
+    return indices.push_back(0u) && indices.push_back(static_cast<unsigned>(c1)) &&
+           indices.push_back(static_cast<unsigned>(end2)) && FEs.push_back(FE1) && FEs.push_back(FE2) &&
+           per_element.push_back_n(1u, c1) && per_element.push_back_n(2u, c2);
+}
+
 element_type __face_mix_element(unsigned const* column, std::size_t rows) noexcept
 {
     return missing(column, rows, 3) ? ET_FACE_T3 : ET_FACE_Q4;

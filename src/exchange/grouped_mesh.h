@@ -33,6 +33,31 @@ int __check_grouped_mesh(dense2D<double> const& pos, dense2D<unsigned> const& co
 // lacks hold NONE_ID. False when it cannot be sized.
 bool __concatenate(dense2D<unsigned> const& A, dense2D<unsigned> const& B, dense2D<unsigned>& all);
 
+// ---- the convenience forms of the readers ----
+
+// Empties the five results of a reader's common form.
+void __empty_results(dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
+                     dense1D<int, 8>& FEs, dense1D<unsigned, 8>& per_element) noexcept;
+
+// The type of a read that found exactly one group, else ET_NONE.
+element_type __single_group_type(int result, dense1D<int, 8> const& FEs) noexcept;
+
+// The first two groups of a successful read as views on its connectivity `all`: the second with
+// the rows of its type, the first likewise or, with `first_keeps_rows`, with all rows. A group
+// the read did not find leaves its matrix and type as they were.
+void __first_two_groups(int result, dense2D<unsigned> const& all, dense1D<unsigned, 8> const& indices,
+                        dense1D<int, 8> const& FEs, bool first_keeps_rows, dense2D<unsigned>& M1,
+                        dense2D<unsigned>& M2, element_type& FE1, element_type& FE2);
+
+// ---- the convenience forms of the writers ----
+
+// One group of `cols` columns of type FE, each column given the value 1.
+bool __one_group(std::size_t cols, element_type FE, dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs,
+                 dense1D<unsigned, 8>& per_element);
+// Two groups bounded by (0, c1, end2), of types FE1 and FE2; c1 columns given 1, then c2 given 2.
+bool __two_groups(std::size_t c1, std::size_t c2, std::size_t end2, element_type FE1, element_type FE2,
+                  dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& per_element);
+
 // The pure type of one column of a mixed group whose matrix has `rows` rows: rows missing from
 // a narrow matrix count as NONE_ID.
 element_type __face_mix_element(unsigned const* column, std::size_t rows) noexcept;

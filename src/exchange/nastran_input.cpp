@@ -280,15 +280,11 @@ int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& c
 }
 
 int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM,
-                  dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs)
+              dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs)
 {
     std::ifstream in;
     if (file_name) in.open(file_name);
-    pos.clear();
-    connectM.clear();
-    indices.clear();
-    FEs.clear();
-    PIDs.clear();
+    __empty_results(pos, connectM, indices, FEs, PIDs);
     if (!in.is_open()) return -1;
     return __NASTRAN_input(in, pos, connectM, indices, FEs, PIDs);
 }
@@ -298,27 +294,18 @@ int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>
     dense1D<unsigned, 8> indices, PIDs;
     dense1D<int, 8> FEs;
     int result = NASTRAN_input(file_name, pos, connectM, indices, FEs, PIDs);
-    FE = ET_NONE;
-    if (result >= 0 && FEs.size() == 1) FE = static_cast<element_type>(FEs[0]);
+    FE = __single_group_type(result, FEs);
     return result;
 }
 
 int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM1,
-                  dense2D<unsigned>& connectM2, element_type& FE1, element_type& FE2)
+              dense2D<unsigned>& connectM2, element_type& FE1, element_type& FE2)
 {
     dense2D<unsigned> all;
     dense1D<unsigned, 8> indices, PIDs;
     dense1D<int, 8> FEs;
     int result = NASTRAN_input(file_name, pos, all, indices, FEs, PIDs);
-    if (result < 0) return result;
-    if (indices.size() >= 2 && FEs.size() >= 1) {
-        FE1 = static_cast<element_type>(FEs[0]);
-        connectM1 = __group_view(all, indices, 0, nbr_nodes(FE1));
-    }
-    if (indices.size() >= 3 && FEs.size() >= 2) {
-        FE2 = static_cast<element_type>(FEs[1]);
-        connectM2 = __group_view(all, indices, 1, nbr_nodes(FE2));
-    }
+    __first_two_groups(result, all, indices, FEs, false, connectM1, connectM2, FE1, FE2);
     return result;
 }
 

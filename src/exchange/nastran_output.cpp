@@ -104,10 +104,7 @@ int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<un
 {
     dense1D<unsigned, 8> indices, PIDs;
     dense1D<int, 8> FEs;
-    std::size_t cols = connectM.cols();
-    if (!indices.push_back(0u) || !indices.push_back(static_cast<unsigned>(cols)) || !FEs.push_back(FE) ||
-        !PIDs.push_back_n(1u, cols))
-        return -199;
+    if (!__one_group(connectM.cols(), FE, indices, FEs, PIDs)) return -199;
     return NASTRAN_output(file_name, pos, connectM, indices, FEs, PIDs);
 }
 
@@ -119,10 +116,7 @@ int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<un
     dense1D<unsigned, 8> indices, PIDs;
     dense1D<int, 8> FEs;
     if (!__concatenate(connectM1, connectM2, all)) return -199;
-    if (!indices.push_back(0u) || !indices.push_back(static_cast<unsigned>(c1)) ||
-        !indices.push_back(static_cast<unsigned>(c1 + c2)) || !FEs.push_back(FE1) || !FEs.push_back(FE2) ||
-        !PIDs.push_back_n(1u, c1) || !PIDs.push_back_n(2u, c2))
-        return -199;
+    if (!__two_groups(c1, c2, c1 + c2, FE1, FE2, indices, FEs, PIDs)) return -199;
     return NASTRAN_output(file_name, pos, all, indices, FEs, PIDs);
 }
 

@@ -65,6 +65,34 @@ qv7::dense1D<T, 8> array(std::initializer_list<T> entries)
     return a;
 }
 
+// Column j of a matrix of `rows` rows holds j * rows, j * rows + 1, ...
+inline qv7::dense2D<unsigned> counting(std::size_t rows, std::size_t cols = 1)
+{
+    qv7::dense2D<unsigned> M;
+    M.resize(rows, cols);
+    for (std::size_t j = 0; j < cols; ++j)
+        for (std::size_t i = 0; i < rows; ++i) M(i, j) = static_cast<unsigned>(j * rows + i);
+    return M;
+}
+
+// n nodes of 3 coordinates, all 0.5.
+inline qv7::dense2D<double> points(std::size_t n)
+{
+    qv7::dense2D<double> pos;
+    pos.resize(3, n, 0.5);
+    return pos;
+}
+
+// The results of a reader's common form.
+struct grouped_read {
+    qv7::dense2D<double> pos;
+    qv7::dense2D<unsigned> connectM;
+    qv7::dense1D<unsigned, 8> indices;
+    qv7::dense1D<int, 8> FEs;
+    qv7::dense1D<unsigned, 8> per_element;  // property IDs or record values
+    int result = 0;
+};
+
 // The folder of real files from other software, when this machine has it.
 inline std::string corpus_dir(std::string const& format)
 {

@@ -18,20 +18,13 @@ namespace {
 
 constexpr unsigned X = NONE_ID;
 
-struct neutral {
-    dense2D<double> pos;
-    dense2D<unsigned> connectM;
-    dense1D<unsigned, 8> indices;
-    dense1D<int, 8> FEs;
-    dense1D<unsigned, 8> IDs;
-    int result;
-};
+using neutral = exchange_test::grouped_read;
 
 neutral read_neutral(std::string const& text)
 {
     neutral f;
     std::istringstream in(text);
-    f.result = __FEMAP_input(in, f.pos, f.connectM, f.indices, f.FEs, f.IDs);
+    f.result = __FEMAP_input(in, f.pos, f.connectM, f.indices, f.FEs, f.per_element);
     return f;
 }
 
@@ -125,7 +118,7 @@ TEST(FemapInput, ElementRecordsSlotsAndPadding)
     EXPECT_EQ(column(f.connectM, 4), V({0, 2, 1, 3, 5, 4, 6, 7, 9, 8}));
     EXPECT_EQ(column(f.connectM, 5), V({0, 1, 2, 3, 4, 5, X, X, X, X}));
     EXPECT_EQ(column(f.connectM, 6), V({0, 1, 2, X, X, X, X, X, X, X}));
-    EXPECT_EQ(values(f.IDs), V({11, 12, 13, 14, 15, 16, 17}));
+    EXPECT_EQ(values(f.per_element), V({11, 12, 13, 14, 15, 16, 17}));
     EXPECT_EQ(values(f.FEs), std::vector<int>({ET_FACE_T3, ET_FACE_Q4, ET_TETRA4, ET_FACE_T6, ET_TETRA10,
                                                ET_WEDGE6, ET_FACE_T3}));
     EXPECT_EQ(values(f.indices), V({0, 1, 2, 3, 4, 5, 6, 7}));
@@ -140,7 +133,7 @@ TEST(FemapInput, SkippedTopologiesAndTheGroupMismatch)
                              record(4, 2, "1,2,3,") + record(5, 13, quad) + record(6, -1, quad));
     ASSERT_EQ(f.result, 0);
     EXPECT_EQ(f.connectM.cols(), 3u);
-    EXPECT_EQ(values(f.IDs), V({1, 3, 4}));
+    EXPECT_EQ(values(f.per_element), V({1, 3, 4}));
     EXPECT_EQ(values(f.FEs), std::vector<int>({ET_FACE_Q4, ET_NONE, ET_FACE_Q4, ET_FACE_T3, ET_NONE, ET_NONE}));
     EXPECT_EQ(values(f.indices), V({0, 0, 2, 2, 3}));
 }
@@ -155,7 +148,7 @@ TEST(FemapInput, ShortRecordLinesReadMissingFieldsAsEmpty)
     ASSERT_EQ(f.connectM.cols(), 2u);
     EXPECT_EQ(column(f.connectM, 0), V({3, 4}));
     EXPECT_EQ(column(f.connectM, 1), V({X, X}));
-    EXPECT_EQ(values(f.IDs), V({7, 0}));
+    EXPECT_EQ(values(f.per_element), V({7, 0}));
 }
 
 TEST(FemapInput, FailedGrowthGivesMinus199)
@@ -171,14 +164,14 @@ TEST(FemapInput, FailedGrowthGivesMinus199)
             std::istringstream in(text);
             {
                 test_alloc::failing_scope guard(successes);
-                f.result = __FEMAP_input(in, f.pos, f.connectM, f.indices, f.FEs, f.IDs);
+                f.result = __FEMAP_input(in, f.pos, f.connectM, f.indices, f.FEs, f.per_element);
             }
             if (f.result == 0) {
                 EXPECT_EQ(f.pos.cols() + f.connectM.cols(), text == nodes ? 300u : 50u);
                 break;
             }
             ASSERT_EQ(f.result, -199) << successes;
-            EXPECT_EQ(f.IDs.size(), f.connectM.cols());
+            EXPECT_EQ(f.per_element.size(), f.connectM.cols());
             ++failures;
         }
         EXPECT_GT(failures, 3);
@@ -229,7 +222,7 @@ TEST(FemapInput, FilesOfOtherSoftware)
     if (dir.empty()) GTEST_SKIP() << "no corpus on this machine";
     auto read = [&](char const* name) {
         neutral f;
-        f.result = FEMAP_input((dir + name).c_str(), f.pos, f.connectM, f.indices, f.FEs, f.IDs);
+        f.result = FEMAP_input((dir + name).c_str(), f.pos, f.connectM, f.indices, f.FEs, f.per_element);
         return f;
     };
     neutral results = read("pyn_all_elem_test_giv_eb.neu");  // results only

@@ -11,6 +11,8 @@
 using namespace qv7;
 using namespace qv7::tessarium;
 using exchange_test::array;
+using exchange_test::counting;
+using exchange_test::points;
 using exchange_test::matrix;
 using exchange_test::read_file;
 using exchange_test::temp_path;
@@ -22,22 +24,6 @@ constexpr unsigned X = NONE_ID;
 char const* const banner = "*********************************\n";
 char const* const record_tail = "0.,0.,0.,0,0,0,0,0,0,\n0.,0.,0.,\n0.,0.,0.,\n0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\n";
 char const* const zero_slots = "0,0,0,0,0,0,0,0,0,0,\n";
-
-dense2D<unsigned> counting(std::size_t rows, std::size_t cols = 1)
-{
-    dense2D<unsigned> M;
-    M.resize(rows, cols);
-    for (std::size_t j = 0; j < cols; ++j)
-        for (std::size_t i = 0; i < rows; ++i) M(i, j) = static_cast<unsigned>(j * rows + i);
-    return M;
-}
-
-dense2D<double> points(std::size_t n)
-{
-    dense2D<double> pos;
-    pos.resize(3, n, 1.0);
-    return pos;
-}
 
 // The element block of a written file, from its first record to the closing line.
 std::string records(std::string const& path)

@@ -17,20 +17,13 @@ namespace {
 
 constexpr unsigned X = NONE_ID;
 
-struct deck {
-    dense2D<double> pos;
-    dense2D<unsigned> connectM;
-    dense1D<unsigned, 8> indices;
-    dense1D<int, 8> FEs;
-    dense1D<unsigned, 8> PIDs;
-    int result;
-};
+using deck = exchange_test::grouped_read;
 
 deck read_deck(std::string const& text, std::size_t max_ID = __max_node_ID)
 {
     deck d;
     std::istringstream in(text);
-    d.result = __NASTRAN_input(in, d.pos, d.connectM, d.indices, d.FEs, d.PIDs, max_ID);
+    d.result = __NASTRAN_input(in, d.pos, d.connectM, d.indices, d.FEs, d.per_element, max_ID);
     return d;
 }
 
@@ -136,7 +129,7 @@ TEST(NastranInput, ElementCardsInEachFieldFormatWithContinuations)
     EXPECT_EQ(column(d.connectM, 4), V({0, 1, 2, 3, 4, 5, 6, 7}));
     EXPECT_EQ(values(d.FEs), std::vector<int>({ET_TETRA4, ET_FACE_Q4, ET_HEXA8, ET_FACE_Q4, ET_HEXA8}));
     EXPECT_EQ(values(d.indices), V({0, 1, 2, 3, 4, 5}));
-    EXPECT_EQ(values(d.PIDs), V({3, 4, 5, 6, 7}));
+    EXPECT_EQ(values(d.per_element), V({3, 4, 5, 6, 7}));
 }
 
 TEST(NastranInput, EveryCardNameWithAndWithoutC)
@@ -205,7 +198,7 @@ TEST(NastranInput, GroupsAreRunsOfOneType)
     ASSERT_EQ(d.result, 0);
     EXPECT_EQ(values(d.FEs), std::vector<int>({ET_FACE_Q4, ET_FACE_T3, ET_FACE_Q4}));
     EXPECT_EQ(values(d.indices), V({0, 2, 3, 4}));
-    EXPECT_EQ(values(d.PIDs), V({1, 1, 2, 3}));
+    EXPECT_EQ(values(d.per_element), V({1, 1, 2, 3}));
     EXPECT_EQ(column(d.connectM, 2), V({0, 1, 2, X}));
 }
 
@@ -284,14 +277,14 @@ TEST(NastranInput, FailedGrowthGivesMinus199AndKeepsTheIndicesClosed)
         std::istringstream in(text);
         {
             test_alloc::failing_scope guard(successes);
-            d.result = __NASTRAN_input(in, d.pos, d.connectM, d.indices, d.FEs, d.PIDs);
+            d.result = __NASTRAN_input(in, d.pos, d.connectM, d.indices, d.FEs, d.per_element);
         }
         if (d.result == 0) {
             EXPECT_EQ(d.connectM.cols(), 300u);
             break;
         }
         ASSERT_EQ(d.result, -199) << successes;
-        EXPECT_EQ(d.PIDs.size(), d.connectM.cols());
+        EXPECT_EQ(d.per_element.size(), d.connectM.cols());
         ++failures;
         if (!d.indices.empty() && d.indices[d.indices.size() - 1] != 0) {
             EXPECT_EQ(d.indices[d.indices.size() - 1], d.connectM.cols());
@@ -378,7 +371,7 @@ TEST(NastranInput, DecksOfOtherSoftware)
     if (dir.empty()) GTEST_SKIP() << "no corpus on this machine";
     auto read = [&](char const* name) {
         deck d;
-        d.result = NASTRAN_input((dir + name).c_str(), d.pos, d.connectM, d.indices, d.FEs, d.PIDs);
+        d.result = NASTRAN_input((dir + name).c_str(), d.pos, d.connectM, d.indices, d.FEs, d.per_element);
         return d;
     };
     auto count_of = [](deck const& d, element_type type) {
@@ -400,7 +393,7 @@ TEST(NastranInput, DecksOfOtherSoftware)
         deck d = read(name);
         ASSERT_GE(d.indices.size(), 2u) << name;
         EXPECT_EQ(d.indices[d.indices.size() - 1], d.connectM.cols()) << name;
-        EXPECT_EQ(d.PIDs.size(), d.connectM.cols()) << name;
+        EXPECT_EQ(d.per_element.size(), d.connectM.cols()) << name;
         if (!d.FEs.empty()) {
             EXPECT_EQ(d.FEs.size() + 1, d.indices.size()) << name;
         }

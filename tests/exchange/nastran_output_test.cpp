@@ -7,6 +7,8 @@
 using namespace qv7;
 using namespace qv7::tessarium;
 using exchange_test::array;
+using exchange_test::counting;
+using exchange_test::points;
 using exchange_test::matrix;
 using exchange_test::read_file;
 using exchange_test::temp_path;
@@ -30,23 +32,6 @@ char const* const elements_head =
     "$----------------------------------------\n"
     "$                 ELEMENTS               \n"
     "$----------------------------------------\n";
-
-dense2D<double> points(std::size_t n)
-{
-    dense2D<double> pos;
-    pos.resize(3, n, 0.5);
-    return pos;
-}
-
-// Column j of an n-row matrix holds j*n, j*n + 1, ...
-dense2D<unsigned> counting(std::size_t rows, std::size_t cols = 1)
-{
-    dense2D<unsigned> M;
-    M.resize(rows, cols);
-    for (std::size_t j = 0; j < cols; ++j)
-        for (std::size_t i = 0; i < rows; ++i) M(i, j) = static_cast<unsigned>(j * rows + i);
-    return M;
-}
 
 // The element cards of a written deck.
 std::string cards(std::string const& path)
