@@ -172,7 +172,7 @@ int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& con
 }
 
 int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM,
-            dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs)
+                dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs)
 {
     std::ifstream in;
     if (file_name) in.open(file_name);
@@ -183,23 +183,14 @@ int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& 
 
 int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM, element_type& FE)
 {
-    dense1D<unsigned, 8> indices, IDs;
-    dense1D<int, 8> FEs;
-    int result = FEMAP_input(file_name, pos, connectM, indices, FEs, IDs);
-    FE = __single_group_type(result, FEs);
-    return result;
+    return __read_one_matrix(FEMAP_input, file_name, pos, connectM, FE);
 }
 
 // The first view keeps all rows of the connectivity, the second only those of its type.
 int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM1,
-            dense2D<unsigned>& connectM2, element_type& FE1, element_type& FE2)
+                dense2D<unsigned>& connectM2, element_type& FE1, element_type& FE2)
 {
-    dense2D<unsigned> all;
-    dense1D<unsigned, 8> indices, IDs;
-    dense1D<int, 8> FEs;
-    int result = FEMAP_input(file_name, pos, all, indices, FEs, IDs);
-    __first_two_groups(result, all, indices, FEs, true, connectM1, connectM2, FE1, FE2);
-    return result;
+    return __read_two_matrices(FEMAP_input, true, file_name, pos, connectM1, connectM2, FE1, FE2);
 }
 
 }  // namespace tessarium

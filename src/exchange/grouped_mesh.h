@@ -29,34 +29,38 @@ int __check_grouped_mesh(dense2D<double> const& pos, dense2D<unsigned> const& co
                          dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs,
                          std::size_t per_element);
 
-// The columns of A, then those of B, in a matrix of the larger row count; rows that a matrix
-// lacks hold NONE_ID. False when it cannot be sized.
-bool __concatenate(dense2D<unsigned> const& A, dense2D<unsigned> const& B, dense2D<unsigned>& all);
+// ---- the convenience forms of readers and writers, around their common forms ----
 
-// ---- the convenience forms of the readers ----
+using __grouped_reader = int (*)(char const*, dense2D<double>&, dense2D<unsigned>&, dense1D<unsigned, 8>&,
+                                 dense1D<int, 8>&, dense1D<unsigned, 8>&);
+using __grouped_writer = int (*)(char const*, dense2D<double> const&, dense2D<unsigned> const&,
+                                 dense1D<unsigned, 8> const&, dense1D<int, 8> const&, dense1D<unsigned, 8> const&);
 
 // Empties the five results of a reader's common form.
 void __empty_results(dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
                      dense1D<int, 8>& FEs, dense1D<unsigned, 8>& per_element) noexcept;
 
-// The type of a read that found exactly one group, else ET_NONE.
-element_type __single_group_type(int result, dense1D<int, 8> const& FEs) noexcept;
+// Reads into one matrix; FE is the type of a file of exactly one group, else ET_NONE.
+int __read_one_matrix(__grouped_reader read, char const* file_name, dense2D<double>& pos,
+                      dense2D<unsigned>& connectM, element_type& FE);
 
-// The first two groups of a successful read as views on its connectivity `all`: the second with
-// the rows of its type, the first likewise or, with `first_keeps_rows`, with all rows. A group
-// the read did not find leaves its matrix and type as they were.
-void __first_two_groups(int result, dense2D<unsigned> const& all, dense1D<unsigned, 8> const& indices,
-                        dense1D<int, 8> const& FEs, bool first_keeps_rows, dense2D<unsigned>& M1,
-                        dense2D<unsigned>& M2, element_type& FE1, element_type& FE2);
+// Reads the first two groups as views on one connectivity: the second with the rows of its type,
+// the first likewise or, with `first_keeps_rows`, with all rows. A group the read did not find
+// leaves its matrix and type as they were; so does a failed read.
+int __read_two_matrices(__grouped_reader read, bool first_keeps_rows, char const* file_name,
+                        dense2D<double>& pos, dense2D<unsigned>& connectM1, dense2D<unsigned>& connectM2,
+                        element_type& FE1, element_type& FE2);
 
-// ---- the convenience forms of the writers ----
+// Writes one group of type FE, every column given the value 1.
+int __write_one_matrix(__grouped_writer write, char const* file_name, dense2D<double> const& pos,
+                       dense2D<unsigned> const& connectM, element_type FE);
 
-// One group of `cols` columns of type FE, each column given the value 1.
-bool __one_group(std::size_t cols, element_type FE, dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs,
-                 dense1D<unsigned, 8>& per_element);
-// Two groups bounded by (0, c1, end2), of types FE1 and FE2; c1 columns given 1, then c2 given 2.
-bool __two_groups(std::size_t c1, std::size_t c2, std::size_t end2, element_type FE1, element_type FE2,
-                  dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& per_element);
+// Writes the columns of connectM1 given 1, then those of connectM2 given 2, as two groups
+// bounded by 0, the columns of connectM1 and, with `running_end`, the sum of both column counts,
+// else the columns of connectM2 alone.
+int __write_two_matrices(__grouped_writer write, bool running_end, char const* file_name,
+                         dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
+                         dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2);
 
 // The pure type of one column of a mixed group whose matrix has `rows` rows: rows missing from
 // a narrow matrix count as NONE_ID.

@@ -280,7 +280,7 @@ int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& c
 }
 
 int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM,
-              dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs)
+                  dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs)
 {
     std::ifstream in;
     if (file_name) in.open(file_name);
@@ -291,22 +291,13 @@ int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>
 
 int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM, element_type& FE)
 {
-    dense1D<unsigned, 8> indices, PIDs;
-    dense1D<int, 8> FEs;
-    int result = NASTRAN_input(file_name, pos, connectM, indices, FEs, PIDs);
-    FE = __single_group_type(result, FEs);
-    return result;
+    return __read_one_matrix(NASTRAN_input, file_name, pos, connectM, FE);
 }
 
 int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM1,
-              dense2D<unsigned>& connectM2, element_type& FE1, element_type& FE2)
+                  dense2D<unsigned>& connectM2, element_type& FE1, element_type& FE2)
 {
-    dense2D<unsigned> all;
-    dense1D<unsigned, 8> indices, PIDs;
-    dense1D<int, 8> FEs;
-    int result = NASTRAN_input(file_name, pos, all, indices, FEs, PIDs);
-    __first_two_groups(result, all, indices, FEs, false, connectM1, connectM2, FE1, FE2);
-    return result;
+    return __read_two_matrices(NASTRAN_input, false, file_name, pos, connectM1, connectM2, FE1, FE2);
 }
 
 }  // namespace tessarium

@@ -102,22 +102,13 @@ int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<un
 int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
                    element_type FE)
 {
-    dense1D<unsigned, 8> indices, PIDs;
-    dense1D<int, 8> FEs;
-    if (!__one_group(connectM.cols(), FE, indices, FEs, PIDs)) return -199;
-    return NASTRAN_output(file_name, pos, connectM, indices, FEs, PIDs);
+    return __write_one_matrix(NASTRAN_output, file_name, pos, connectM, FE);
 }
 
 int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
                    dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2)
 {
-    std::size_t c1 = connectM1.cols(), c2 = connectM2.cols();
-    dense2D<unsigned> all;
-    dense1D<unsigned, 8> indices, PIDs;
-    dense1D<int, 8> FEs;
-    if (!__concatenate(connectM1, connectM2, all)) return -199;
-    if (!__two_groups(c1, c2, c1 + c2, FE1, FE2, indices, FEs, PIDs)) return -199;
-    return NASTRAN_output(file_name, pos, all, indices, FEs, PIDs);
+    return __write_two_matrices(NASTRAN_output, true, file_name, pos, connectM1, connectM2, FE1, FE2);
 }
 
 }  // namespace tessarium
