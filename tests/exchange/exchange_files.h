@@ -58,7 +58,7 @@ qv7::dense2D<T> matrix(std::size_t rows, std::initializer_list<T> entries)
 }
 
 template <class T>
-qv7::dense1D<T, 8> array(std::initializer_list<T> entries)
+qv7::dense1D<T, 8> array(std::vector<T> const& entries)
 {
     qv7::dense1D<T, 8> a;
     for (T v : entries) a.push_back(v);
