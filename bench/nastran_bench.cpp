@@ -193,9 +193,9 @@ void* operator new(std::size_t n)
     throw std::bad_alloc();
 }
 
-BENCHMARK(BM_NASTRAN_write_free)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5);
-BENCHMARK(BM_NASTRAN_read_free)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5);
-BENCHMARK(BM_NASTRAN_read_small)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5);
+BENCHMARK(BM_NASTRAN_write_free)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)->UseRealTime();
+BENCHMARK(BM_NASTRAN_read_free)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)->UseRealTime();
+BENCHMARK(BM_NASTRAN_read_small)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)->UseRealTime();
 BENCHMARK(BM_meshio_write)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)->UseManualTime();
 BENCHMARK(BM_meshio_read_free)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)->UseManualTime();
 BENCHMARK(BM_meshio_read_small)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)->UseManualTime();
