@@ -159,6 +159,8 @@ int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& con
                   dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs,
                   std::size_t max_ID)
 {
+    pos.clear();
+    connectM.clear();
     indices.push_back(0u);
     element_state state{connectM, indices, FEs, IDs, 0, ET_NONE, {}, {}};
     int result;

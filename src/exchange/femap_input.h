@@ -20,8 +20,8 @@ void __skip_lines(std::istream& in, unsigned n);
 // Removes every blank (code 32, nothing else) from text; returns it.
 std::string& __remove_spaces(std::string& text);
 
-// Reads blocks 403 and 404 from an open stream into the five results, which must be empty
-// (indices is appended to). Node IDs above max_ID are refused with -199.
+// Reads blocks 403 and 404 from an open stream into the five results; pos and connectM are
+// emptied first, the other three appended to. Node IDs above max_ID are refused with -199.
 int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM,
                   dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs,
                   std::size_t max_ID = __max_node_ID);

@@ -36,7 +36,7 @@ TEST(GroupedMesh, BothWritersRefuseInOneOrderAndLeaveAnEmptyFile)
         {3, 3, {0, 1}, {99}, 1, -3},                // no such type
         {3, 7, {0, 1}, {ET_SOLID_MIX}, 1, -3},      // a mixed solid of 7 rows
     };
-    std::string path = exchange_test::temp_path("refused.out");
+    std::string path = exchange_test::temp_path("grouped_refused.out");
     for (writer write : {writer(NASTRAN_output), writer(FEMAP_output)}) {
         for (refused_call const& c : calls) {
             dense2D<double> pos = points(3).submatrix(0, 3, c.pos_rows);
