@@ -21,3 +21,5 @@
 #include "finite_rotation.h"
 #include "transforms.h"
 #include "connectivity.h"
+#include "nastran.h"
+#include "femap.h"
