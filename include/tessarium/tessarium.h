@@ -13,3 +13,4 @@
 #include "element_type.h"
 #include "histogram.h"
 #include "lapack.h"
+#include "node_detector.h"
