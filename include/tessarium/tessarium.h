@@ -13,4 +13,5 @@
 #include "element_type.h"
 #include "histogram.h"
 #include "lapack.h"
+#include "index_utilities.h"
 #include "node_detector.h"

@@ -1,0 +1,46 @@
+// Builders and readers of small arrays for the node-set tests.
+#pragma once
+
+#include "tessarium/dense2D.h"
+
+#include <initializer_list>
+#include <vector>
+
+namespace node_arrays {
+
+template <class T = unsigned>
+qv7::dense1D<T, 8> list(std::initializer_list<T> values)
+{
+    qv7::dense1D<T, 8> out;
+    for (T v : values) out.push_back(v);
+    return out;
+}
+
+// A rows x cols matrix from its entries in column-major order.
+template <class T>
+qv7::dense2D<T> matrix(std::size_t rows, std::size_t cols, std::initializer_list<T> column_major)
+{
+    qv7::dense2D<T> M;
+    M.resize(rows, cols);
+    std::size_t k = 0;
+    for (T v : column_major) M(k % rows, k / rows) = v, ++k;
+    return M;
+}
+
+template <class T>
+std::vector<T> values(qv7::dense1D<T, 8> const& a)
+{
+    return std::vector<T>(a.begin(), a.end());
+}
+
+// Entries column by column, honouring ld.
+template <class T>
+std::vector<T> values(qv7::dense2D<T> const& M)
+{
+    std::vector<T> out;
+    for (std::size_t j = 0; j < M.cols(); ++j)
+        for (std::size_t i = 0; i < M.rows(); ++i) out.push_back(M(i, j));
+    return out;
+}
+
+}  // namespace node_arrays
