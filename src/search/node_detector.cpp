@@ -2,6 +2,7 @@
 
 #include "search/bisection_tree.h"
 #include "tessarium/array_ops.h"
+#include "tessarium/index_utilities.h"
 
 #include <functional>
 #include <iterator>
@@ -68,6 +69,17 @@ node_detector::node_detector(dense2D<double> const& pos) { reinit(pos); }
 
 node_detector::node_detector(dense2D<double> const& pos, dense1D<unsigned, 8> const& IDs) { reinit(pos, IDs); }
 
+node_detector::node_detector(dense2D<double> const& pos, dense2D<unsigned> const& connect)
+{
+    reinit(pos, connect);
+}
+
+node_detector::node_detector(dense2D<double> const& pos, dense2D<unsigned> const* connect_begin,
+                             dense2D<unsigned> const* connect_end)
+{
+    reinit(pos, connect_begin, connect_end);
+}
+
 node_detector::node_detector(node_detector const& other) { *this = other; }
 
 node_detector& node_detector::operator=(node_detector const& other)
@@ -122,9 +134,31 @@ int node_detector::reinit(dense2D<double> const& pos, dense1D<unsigned, 8> const
     return 0;
 }
 
+int node_detector::reinit(dense2D<double> const& pos, dense2D<unsigned> const& connect)
+{
+    dense1D<unsigned, 8> nodes;
+    unique_indices(nodes, connect);
+    return reinit(pos, nodes);
+}
+
+int node_detector::reinit(dense2D<double> const& pos, dense2D<unsigned> const* connect_begin,
+                          dense2D<unsigned> const* connect_end)
+{
+    dense1D<unsigned, 8> nodes;
+    int status = unique_indices(nodes, connect_begin, connect_end);
+    return status != 0 ? status : reinit(pos, nodes);
+}
+
 int node_detector::insert(dense1D<unsigned, 8> const& IDs)
 {
     return tree3 ? insert_into(tree3, IDs) : insert_into(tree2, IDs);
+}
+
+int node_detector::insert(dense2D<unsigned> const& connect)
+{
+    dense1D<unsigned, 8> nodes;
+    unique_indices(nodes, connect);
+    return insert(nodes);
 }
 
 std::size_t node_detector::size() const noexcept

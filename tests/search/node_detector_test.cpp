@@ -233,3 +233,31 @@ TEST(NodeDetector, MatrixMayGrowAfterSetUp)
     EXPECT_EQ(nd.insert(list({2})), 1);
     EXPECT_EQ(nd.find_closest(v2{9, 9}), 2u);
 }
+
+TEST(NodeDetector, ConnectivityFormsHoldTheDistinctNodes)
+{
+    dense2D<double> pos = matrix({{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0}});
+    dense2D<unsigned> tri;
+    tri.resize(3, 2);
+    unsigned const entries[6] = {0, 1, 2, 2, 1, NONE_ID};
+    std::copy(entries, entries + 6, tri.col(0));
+
+    node_detector one(pos, tri);
+    EXPECT_EQ(one.size(), 3u);
+    EXPECT_EQ(one.find_closest(v2{3.9, 0}), 2u);
+    EXPECT_EQ(one.insert(tri), 3);
+    EXPECT_EQ(one.size(), 6u);
+
+    dense2D<unsigned> other;
+    other.resize(1, 1, 4u);
+    dense2D<unsigned> range[2] = {tri, other};
+    node_detector both(pos, range, range + 2);
+    EXPECT_EQ(both.size(), 4u);
+    EXPECT_EQ(both.find_closest(v2{3.9, 0}), 4u);
+    EXPECT_EQ(both.reinit(pos, range + 2, range), -3);
+    EXPECT_EQ(both.size(), 4u);
+
+    other(0, 0) = 5;
+    EXPECT_EQ(both.reinit(pos, other), -2);
+    EXPECT_EQ(both.size(), 4u);
+}
