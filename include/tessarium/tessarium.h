@@ -15,3 +15,4 @@
 #include "lapack.h"
 #include "index_utilities.h"
 #include "node_detector.h"
+#include "repair.h"

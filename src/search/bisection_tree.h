@@ -1,6 +1,7 @@
 // A k-d tree over columns of a coordinate matrix, storing node numbers only, in one slot array.
 #pragma once
 
+#include "search/point_tests.h"
 #include "search/predicates.h"
 #include "search/rand_gen.h"
 #include "tessarium/dynamic_array.h"
@@ -85,7 +86,7 @@ public:
             unsigned const* r = nodes[at];
             double const* c = X + r[0] * ld;
             if (pred(r[0])) {
-                double q = __squared_distance(c, point.v);
+                double q = __squared_distance<D>(c, point.v);
                 if (q < best_squared) {
                     best_squared = q;
                     best = r[0];
@@ -113,8 +114,8 @@ public:
                 double const* c = X + r[0] * ld;
                 double s = c[axis];
                 double d = distance;
-                if (pred(r[0]) && __in_cube(c, point, d)) {
-                    double e = std::sqrt(__squared_distance(c, point));
+                if (pred(r[0]) && __in_cube<D>(c, point, d)) {
+                    double e = std::sqrt(__squared_distance<D>(c, point));
                     if (d > e) {
                         distance = e;
                         best = r[0];
@@ -150,36 +151,12 @@ public:
             unsigned const* r = nodes[node];
             double const* c = X + r[0] * ld;
             double s = c[axis];
-            if (lo[axis] <= s && s <= hi[axis] && __in_box(c, lo, hi)) *out++ = r[0];
+            if (lo[axis] <= s && s <= hi[axis] && __in_box<D>(c, lo, hi)) *out++ = r[0];
             if (s >= lo[axis] && r[1] != NONE_ID) __search1(box, r[1], __next(axis), out);
             if (!(s <= hi[axis] && r[2] != NONE_ID)) return;
             node = r[2];
             axis = __next(axis);
         }
-    }
-
-    static double __squared_distance(double const* c, double const* p) noexcept
-    {
-        double q = 0.0;
-        for (unsigned k = 0; k < D; ++k) {
-            double t = c[k] - p[k];
-            q += t * t;
-        }
-        return q;
-    }
-
-    static bool __in_box(double const* c, double const* lo, double const* hi) noexcept
-    {
-        for (unsigned k = 0; k < D; ++k)
-            if (!(lo[k] <= c[k] && c[k] <= hi[k])) return false;
-        return true;
-    }
-
-    static bool __in_cube(double const* c, double const* p, double d) noexcept
-    {
-        for (unsigned k = 0; k < D; ++k)
-            if (!(p[k] - d <= c[k] && c[k] <= p[k] + d)) return false;
-        return true;
     }
 
     Matrix const* coords;

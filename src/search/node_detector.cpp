@@ -1,6 +1,7 @@
 #include "tessarium/node_detector.h"
 
 #include "search/bisection_tree.h"
+#include "search/node_count.h"
 #include "tessarium/array_ops.h"
 #include "tessarium/index_utilities.h"
 
@@ -16,11 +17,6 @@ using tree2_type = bisection_tree<dense2D<double>, 2>;
 using tree3_type = bisection_tree<dense2D<double>, 3>;
 
 bool rows_supported(dense2D<double> const& pos) noexcept { return pos.rows() == 2 || pos.rows() == 3; }
-
-unsigned nodes_bound(dense2D<double> const& pos) noexcept
-{
-    return pos.cols() < NONE_ID ? static_cast<unsigned>(pos.cols()) : NONE_ID;
-}
 
 template <class Tree>
 int insert_into(Tree* tree, dense1D<unsigned, 8> const& IDs)
@@ -121,7 +117,7 @@ int node_detector::reinit(dense2D<double> const& pos)
 int node_detector::reinit(dense2D<double> const& pos, dense1D<unsigned, 8> const& IDs)
 {
     if (!rows_supported(pos)) return -1;
-    if (!check_IDs(IDs, nodes_bound(pos))) return -2;
+    if (!check_IDs(IDs, __node_count(pos))) return -2;
     clear();
     if (pos.rows() == 3) {
         tree3 = new tree3_type(&pos);
