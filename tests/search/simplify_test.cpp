@@ -1,0 +1,109 @@
+#include "tessarium/repair.h"
+
+#include "nodes/node_arrays.h"
+#include "support/failing_alloc.h"
+#include "tessarium/element_type.h"
+
+#include <gtest/gtest.h>
+
+using namespace node_arrays;
+using qv7::dense1D;
+using qv7::dense2D;
+using qv7::NONE_ID;
+using qv7::tessarium::simplify;
+using U = std::vector<unsigned>;
+using V = std::vector<double>;
+
+namespace {
+
+// Node i at x = 10 i, y = 0.
+dense2D<double> nodes(std::size_t n)
+{
+    dense2D<double> pos;
+    pos.resize(2, n, 0.0);
+    for (std::size_t j = 0; j < n; ++j) pos(0, j) = 10.0 * j;
+    return pos;
+}
+
+}  // namespace
+
+TEST(Simplify, UnusedNodesGoAndTheOthersMoveDown)
+{
+    dense2D<double> pos = nodes(6);
+    dense2D<unsigned> tris = matrix<unsigned>(3, 2, {1, 2, 4, 4, 2, NONE_ID});
+    dense1D<unsigned, 8> IDs;
+    EXPECT_EQ(simplify(pos, tris, IDs, 0), 3);
+    EXPECT_EQ(values(IDs), (U{NONE_ID, 0, 1, NONE_ID, 2, NONE_ID}));
+    EXPECT_EQ(values(pos), (V{10, 0, 20, 0, 40, 0}));
+    EXPECT_EQ(values(tris), (U{0, 1, 2, 2, 1, NONE_ID}));
+}
+
+TEST(Simplify, ProtectedPrefixStaysUsedOrNot)
+{
+    dense2D<double> pos = nodes(5);
+    dense2D<unsigned> edges = matrix<unsigned>(2, 1, {4, 2});
+    dense1D<unsigned, 8> IDs;
+    EXPECT_EQ(simplify(pos, edges, IDs, 2), 1);
+    EXPECT_EQ(values(IDs), (U{0, 1, 2, NONE_ID, 3}));
+    EXPECT_EQ(values(pos), (V{0, 0, 10, 0, 20, 0, 40, 0}));
+    EXPECT_EQ(values(edges), (U{3, 2}));
+
+    dense2D<double> again = nodes(3);
+    dense2D<unsigned> one = matrix<unsigned>(2, 1, {1, 2});
+    EXPECT_EQ(simplify(again, one, IDs, 1), 0);  // node 0 unused but protected
+    EXPECT_EQ(values(IDs), (U{0, 1, 2}));
+    EXPECT_EQ(simplify(again, one, IDs, 0), 1);
+    EXPECT_EQ(values(one), (U{0, 1}));
+}
+
+TEST(Simplify, NothingToDoLeavesTheMapEmpty)
+{
+    dense2D<double> pos = nodes(3);
+    dense2D<unsigned> edges = matrix<unsigned>(2, 1, {0, 1});
+    dense1D<unsigned, 8> IDs = list({7u});
+    EXPECT_EQ(simplify(pos, edges, IDs, 3), 0);
+    EXPECT_EQ(IDs.size(), 0u);
+    EXPECT_EQ(pos.cols(), 3u);
+    EXPECT_EQ(simplify(pos, &edges, &edges, IDs, 0), 0);
+    dense2D<double> empty;
+    EXPECT_EQ(simplify(empty, edges, IDs, 0), -2);  // node 0 is beyond an empty matrix
+}
+
+TEST(Simplify, RefusalsChangeNothing)
+{
+    dense2D<double> pos = nodes(3);
+    dense2D<unsigned> good = matrix<unsigned>(2, 1, {0, 2}), bad = matrix<unsigned>(2, 1, {0, 3});
+    dense1D<unsigned, 8> IDs = list({7u});
+    EXPECT_EQ(simplify(pos, good, bad, 0), -2);
+    EXPECT_EQ(simplify(pos, &good + 1, &good, IDs, 0), -3);
+    EXPECT_EQ(IDs.size(), 0u);
+    EXPECT_EQ(values(pos), (V{0, 0, 10, 0, 20, 0}));
+    EXPECT_EQ(values(good), (U{0, 2}));
+}
+
+TEST(Simplify, TwoConnectivitiesShareTheRenumbering)
+{
+    dense2D<double> pos = nodes(5);
+    dense2D<unsigned> edges = matrix<unsigned>(2, 1, {3, 1}), points = matrix<unsigned>(1, 2, {4, 3});
+    EXPECT_EQ(simplify(pos, edges, points, 0), 2);
+    EXPECT_EQ(values(edges), (U{1, 0}));
+    EXPECT_EQ(values(points), (U{2, 1}));
+    EXPECT_EQ(values(pos), (V{10, 0, 30, 0, 40, 0}));
+
+    dense2D<unsigned> all = matrix<unsigned>(3, 1, {0, 1, 2});
+    EXPECT_EQ(simplify(pos, all, 0), 0);
+}
+
+TEST(Simplify, MemoryExhaustionComesBeforeAnyChange)
+{
+    dense2D<double> pos = nodes(4);
+    dense2D<unsigned> edges = matrix<unsigned>(2, 1, {3, 1});
+    dense1D<unsigned, 8> IDs;
+    for (std::size_t k = 0; k < 2; ++k) {
+        test_alloc::failing_scope guard(k);
+        EXPECT_EQ(simplify(pos, edges, IDs, 0), -199);
+    }
+    EXPECT_EQ(values(pos), (V{0, 0, 10, 0, 20, 0, 30, 0}));
+    EXPECT_EQ(values(edges), (U{3, 1}));
+    EXPECT_EQ(simplify(pos, edges, IDs, 0), 2);
+}
