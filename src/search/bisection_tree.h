@@ -58,6 +58,33 @@ public:
         }
     }
 
+    // Renumbers the slots in the order in which __search visits them (record, right subtree, left
+    // subtree), so that a search reads neighbouring records. The shape, and so every search result,
+    // stays the same. Left as it is if the working arrays cannot be had.
+    void __relayout()
+    {
+        constexpr unsigned long no_parent = ~0ul;
+        std::size_t n = size();
+        if (n < 2 || !nodes.free_slots.empty()) return;
+        dense2D<unsigned> placed;
+        dense1D<unsigned long, 8> stack;  // pairs: an old slot, and the entry of placed that links to it
+        if (!placed.resize(3, n) || !stack.push_back(0) || !stack.push_back(no_parent)) return;
+        unsigned* out = placed.data();
+        for (unsigned long next = 0; !stack.empty(); ++next) {
+            unsigned long link = stack[stack.size() - 1], slot = stack[stack.size() - 2];
+            stack.resize(stack.size() - 2);
+            unsigned const* r = nodes[slot];
+            if (link != no_parent) out[link] = static_cast<unsigned>(next);
+            out[3 * next] = r[0];
+            out[3 * next + 1] = out[3 * next + 2] = NONE_ID;
+            for (unsigned side : {1u, 2u}) {  // the right child ends on top: it comes next
+                if (r[side] == NONE_ID) continue;
+                if (!stack.push_back(r[side]) || !stack.push_back(3 * next + side)) return;
+            }
+        }
+        nodes.items = placed;
+    }
+
     unsigned find_closest(point_type const& point) const
     {
         return find_closest_if(point, yes_predicate<unsigned>());

@@ -23,7 +23,10 @@ int insert_into(Tree* tree, dense1D<unsigned, 8> const& IDs)
 {
     if (!tree) return 0;
     dense1D<unsigned, 8> order;
-    return static_cast<int>(__insert_shuffled(*tree, IDs, order));
+    std::size_t added = __insert_shuffled(*tree, IDs, order);
+    // Reordering the records costs a pass over the whole tree: worth it after a large batch only.
+    if (2 * added >= tree->size()) tree->__relayout();
+    return static_cast<int>(added);
 }
 
 template <class Tree>

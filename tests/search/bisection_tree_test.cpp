@@ -325,3 +325,43 @@ TEST(BisectionTree, LongChainOfCoincidentNodesDoesNotExhaustTheStack)
     EXPECT_EQ(tree.find_closest({1.5, 1.0}), 0u);
     EXPECT_EQ(tree.find_closest_if({1.5, 1.0}, not_zero), 1u);
 }
+
+TEST(BisectionTree, RelayoutKeepsTheShapeAndEveryResult)
+{
+    dense2D<double> pos = lattice_points(3, 3000, 5, 21);
+    tree_t<3> tree(&pos);
+    insert_shuffled(tree, 3000);
+    std::vector<unsigned> shape_before;
+    node_right_left(tree, 0, shape_before);
+
+    std::mt19937 rng(22);
+    std::uniform_int_distribution<int> pick(-12, 12);
+    std::vector<tree_t<3>::point_type> queries(500);
+    for (auto& p : queries)
+        for (unsigned k = 0; k < 3; ++k) p[k] = pick(rng) * 0.5;
+    auto answers = [&] {
+        std::vector<unsigned> out;
+        for (auto const& p : queries) {
+            out.push_back(tree.find_closest(p));
+            double box[6] = {p[0] - 1, p[1] - 1, p[2] - 1, p[0] + 1, p[1] + 1, p[2] + 1};
+            dense1D<unsigned, 8> hits;
+            tree.__search1(box, 0, 0, std::back_inserter(hits));
+            out.insert(out.end(), hits.begin(), hits.end());
+        }
+        return out;
+    };
+    std::vector<unsigned> before = answers();
+
+    tree.__relayout();
+    std::vector<unsigned> shape_after;
+    node_right_left(tree, 0, shape_after);
+    EXPECT_EQ(shape_after, shape_before);
+    for (unsigned slot = 0; slot < 3000; ++slot) {  // slots now follow the search order
+        unsigned const* r = tree.nodes[slot];
+        unsigned first_child = r[2] != NONE_ID ? r[2] : r[1];
+        if (first_child != NONE_ID) ASSERT_EQ(first_child, slot + 1);
+    }
+    EXPECT_EQ(answers(), before);
+    EXPECT_TRUE(tree.insert(7));  // still grows
+    EXPECT_EQ(tree.size(), 3001u);
+}
