@@ -359,7 +359,9 @@ TEST(BisectionTree, RelayoutKeepsTheShapeAndEveryResult)
     for (unsigned slot = 0; slot < 3000; ++slot) {  // slots now follow the search order
         unsigned const* r = tree.nodes[slot];
         unsigned first_child = r[2] != NONE_ID ? r[2] : r[1];
-        if (first_child != NONE_ID) ASSERT_EQ(first_child, slot + 1);
+        if (first_child != NONE_ID) {
+            ASSERT_EQ(first_child, slot + 1);
+        }
     }
     EXPECT_EQ(answers(), before);
     EXPECT_TRUE(tree.insert(7));  // still grows
