@@ -106,15 +106,7 @@ int node_detector::reinit(dense2D<double> const& pos)
     if (!rows_supported(pos)) return -1;
     dense1D<unsigned, 8> all(pos.cols());
     for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<unsigned>(i);
-    if (pos.rows() == 3) {
-        tree3 = new tree3_type(&pos);
-        tree3->__reserve(pos.cols());
-    } else {
-        tree2 = new tree2_type(&pos);
-        tree2->__reserve(pos.cols());
-    }
-    insert(all);
-    return 0;
+    return reinit(pos, all);
 }
 
 int node_detector::reinit(dense2D<double> const& pos, dense1D<unsigned, 8> const& IDs)

@@ -1,5 +1,7 @@
 #include "search/bisection_tree.h"
 
+#include "nodes/node_arrays.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,6 +11,7 @@
 #include <random>
 #include <vector>
 
+using node_arrays::matrix;
 using qv7::dense1D;
 using qv7::dense2D;
 using qv7::NONE_ID;
@@ -17,302 +20,154 @@ namespace {
 
 template <unsigned D>
 using tree_t = qv7::bisection_tree<dense2D<double>, D>;
-
-dense2D<double> matrix(std::vector<std::vector<double>> const& columns)
-{
-    dense2D<double> pos;
-    pos.resize(columns[0].size(), columns.size());
-    for (std::size_t j = 0; j < columns.size(); ++j)
-        for (std::size_t i = 0; i < columns[j].size(); ++i) pos(i, j) = columns[j][i];
-    return pos;
-}
+using not_node = qv7::binder2nd<std::not_equal_to<unsigned>>;
 
 // Points on a coarse integer lattice: many coincident nodes and many exact distance ties.
-dense2D<double> lattice_points(unsigned rows, unsigned n, int extent, unsigned seed)
+template <unsigned D>
+dense2D<double> lattice_points(unsigned n, int extent, unsigned seed)
 {
     std::mt19937 rng(seed);
     std::uniform_int_distribution<int> pick(-extent, extent);
     dense2D<double> pos;
-    pos.resize(rows, n);
+    pos.resize(D, n);
     for (unsigned j = 0; j < n; ++j)
-        for (unsigned i = 0; i < rows; ++i) pos(i, j) = pick(rng);
+        for (unsigned i = 0; i < D; ++i) pos(i, j) = pick(rng);
     return pos;
 }
 
 template <unsigned D>
-void insert_shuffled(tree_t<D>& tree, unsigned n)
+void fill(tree_t<D>& tree, unsigned n)
 {
     dense1D<unsigned, 8> all(n), scratch;
     for (unsigned i = 0; i < n; ++i) all[i] = i;
     ASSERT_EQ(qv7::__insert_shuffled(tree, all, scratch), n);
 }
 
+// Records in the order: record, the subtree on side `first` (1 left, 2 right), the other one.
 template <unsigned D>
-double squared(dense2D<double> const& pos, unsigned node, double const* p)
-{
-    double q = 0;
-    for (unsigned k = 0; k < D; ++k) q += (pos(k, node) - p[k]) * (pos(k, node) - p[k]);
-    return q;
-}
-
-// Records visited as: record, then right subtree, then left subtree.
-template <unsigned D>
-void node_right_left(tree_t<D> const& tree, unsigned slot, std::vector<unsigned>& out)
+void walk(tree_t<D> const& tree, unsigned slot, unsigned first, std::vector<unsigned>& out)
 {
     if (slot == NONE_ID) return;
     unsigned const* r = tree.nodes[slot];
     out.push_back(r[0]);
-    node_right_left(tree, r[2], out);
-    node_right_left(tree, r[1], out);
-}
-
-template <unsigned D>
-void node_left_right(tree_t<D> const& tree, unsigned slot, std::vector<unsigned>& out)
-{
-    if (slot == NONE_ID) return;
-    unsigned const* r = tree.nodes[slot];
-    out.push_back(r[0]);
-    node_left_right(tree, r[1], out);
-    node_left_right(tree, r[2], out);
-}
-
-// The nodes met walking down towards the point: strictly greater stored coordinate goes left.
-template <unsigned D>
-std::vector<unsigned> descent(tree_t<D> const& tree, double const* p)
-{
-    std::vector<unsigned> path;
-    unsigned axis = 0;
-    for (unsigned slot = 0; slot != NONE_ID; axis = (axis + 1) % D) {
-        unsigned const* r = tree.nodes[slot];
-        path.push_back(r[0]);
-        slot = (*tree.coords)(axis, r[0]) > p[axis] ? r[1] : r[2];
-    }
-    return path;
+    walk(tree, r[first], first, out);
+    walk(tree, r[3 - first], first, out);
 }
 
 // Brute force with the tree's tie rule: the smallest distance wins; among equals, the first one
-// on the descent, else the first one in record-right-left order.
-template <unsigned D, class Pred>
-unsigned expected_closest(tree_t<D> const& tree, double const* p, Pred accept)
+// met descending towards the point (strictly greater goes left), else the first one in
+// record-right-left order.
+template <unsigned D>
+unsigned expected_closest(tree_t<D> const& tree, double const* p, unsigned excluded)
 {
     dense2D<double> const& pos = *tree.coords;
-    std::vector<unsigned> order;
-    node_right_left(tree, 0, order);
+    auto squared = [&](unsigned v) {
+        double q = 0;
+        for (unsigned k = 0; k < D; ++k) q += (pos(k, v) - p[k]) * (pos(k, v) - p[k]);
+        return q;
+    };
+    std::vector<unsigned> order, descent;
+    walk(tree, 0, 2, order);
+    for (unsigned slot = 0, axis = 0; slot != NONE_ID; axis = (axis + 1) % D) {
+        unsigned const* r = tree.nodes[slot];
+        descent.push_back(r[0]);
+        slot = pos(axis, r[0]) > p[axis] ? r[1] : r[2];
+    }
     double best = INFINITY;
-    for (unsigned node : order)
-        if (accept(node)) best = std::min(best, squared<D>(pos, node, p));
-    if (best == INFINITY) return NONE_ID;
-    for (unsigned node : descent(tree, p))
-        if (accept(node) && squared<D>(pos, node, p) == best) return node;
-    for (unsigned node : order)
-        if (accept(node) && squared<D>(pos, node, p) == best) return node;
+    for (unsigned v : order)
+        if (v != excluded) best = std::min(best, squared(v));
+    for (auto const* list : {&descent, &order})
+        for (unsigned v : *list)
+            if (v != excluded && squared(v) == best) return v;
     return NONE_ID;
 }
 
 template <unsigned D>
-void check_split_invariant(tree_t<D> const& tree, unsigned slot, unsigned axis, std::vector<double>& lo,
-                           std::vector<double>& hi)
+void check_against_brute_force(unsigned n, int extent, unsigned seed)
 {
-    if (slot == NONE_ID) return;
-    unsigned const* r = tree.nodes[slot];
-    dense2D<double> const& pos = *tree.coords;
-    for (unsigned k = 0; k < D; ++k) {
-        ASSERT_GE(pos(k, r[0]), lo[k]);
-        ASSERT_LT(pos(k, r[0]), hi[k]);
-    }
-    double s = pos(axis, r[0]);
-    double saved = hi[axis];
-    hi[axis] = s;
-    check_split_invariant(tree, r[1], (axis + 1) % D, lo, hi);
-    hi[axis] = saved;
-    saved = lo[axis];
-    lo[axis] = s;
-    check_split_invariant(tree, r[2], (axis + 1) % D, lo, hi);
-    lo[axis] = saved;
-}
-
-template <unsigned D>
-void closest_matches_brute_force(unsigned n, int extent, unsigned seed)
-{
-    dense2D<double> pos = lattice_points(D, n, extent, seed);
+    dense2D<double> pos = lattice_points<D>(n, extent, seed);
     tree_t<D> tree(&pos);
-    insert_shuffled(tree, n);
-    std::vector<double> lo(D, -INFINITY), hi(D, INFINITY);
-    check_split_invariant(tree, 0, 0, lo, hi);
-
+    fill(tree, n);
+    std::vector<unsigned> left_first;
+    walk(tree, 0, 1, left_first);
     std::mt19937 rng(seed + 1);
     std::uniform_int_distribution<int> pick(-2 * extent, 2 * extent);
-    for (int q = 0; q < 3000; ++q) {
+    for (int q = 0; q < 2000; ++q) {
         typename tree_t<D>::point_type p;
         for (unsigned k = 0; k < D; ++k) p[k] = pick(rng) * 0.5;
         unsigned excluded = q % n;
-        auto everything = [](unsigned) { return true; };
-        auto all_but = [excluded](unsigned v) { return v != excluded; };
-        ASSERT_EQ(tree.find_closest(p), expected_closest(tree, p.v, everything)) << q;
-        qv7::binder2nd<std::not_equal_to<unsigned>> not_excluded({}, excluded);
-        ASSERT_EQ(tree.find_closest_if(p, not_excluded), expected_closest(tree, p.v, all_but)) << q;
-    }
-}
+        ASSERT_EQ(tree.find_closest(p), expected_closest(tree, p.v, NONE_ID)) << q;
+        ASSERT_EQ(tree.find_closest_if(p, not_node({}, excluded)), expected_closest(tree, p.v, excluded)) << q;
 
-template <unsigned D>
-void box_matches_brute_force(unsigned n, int extent, unsigned seed)
-{
-    dense2D<double> pos = lattice_points(D, n, extent, seed);
-    tree_t<D> tree(&pos);
-    insert_shuffled(tree, n);
-    std::vector<unsigned> order;
-    node_left_right(tree, 0, order);
-
-    std::mt19937 rng(seed + 7);
-    std::uniform_int_distribution<int> pick(-extent - 1, extent + 1);
-    for (int q = 0; q < 500; ++q) {
-        double box[2 * D];
-        for (unsigned k = 0; k < D; ++k) {
-            int a = pick(rng), b = pick(rng);
-            box[k] = std::min(a, b);
-            box[D + k] = std::max(a, b);
-        }
+        double box[2 * D];  // corners from two query points: sometimes inverted
+        for (unsigned k = 0; k < D; ++k) box[k] = p[k], box[D + k] = pick(rng) * 0.5;
         dense1D<unsigned, 8> found;
         found.push_back(77);  // appended to, never cleared
         tree.__search1(box, 0, 0, std::back_inserter(found));
         std::vector<unsigned> expected{77};
-        for (unsigned node : order) {
+        for (unsigned v : left_first) {
             bool inside = true;
-            for (unsigned k = 0; k < D; ++k) inside = inside && box[k] <= pos(k, node) && pos(k, node) <= box[D + k];
-            if (inside) expected.push_back(node);
+            for (unsigned k = 0; k < D; ++k) inside = inside && box[k] <= pos(k, v) && pos(k, v) <= box[D + k];
+            if (inside) expected.push_back(v);
         }
-        ASSERT_EQ(std::vector<unsigned>(found.begin(), found.end()), expected) << q;
+        ASSERT_EQ(node_arrays::values(found), expected) << q;
     }
 }
 
 }  // namespace
 
-TEST(BisectionTree, InsertBuildsRecordsAndRefusesUnknownNodes)
+TEST(BisectionTree, InsertLinksRecordsAndRefusesUnknownNodes)
 {
-    dense2D<double> pos = matrix({{0, 0}, {1, 5}, {-1, 2}, {1, -3}});
+    dense2D<double> pos = matrix<double>(2, 5, {0, 0, 1, 5, -1, 2, 1, -3, 1, 5});
     tree_t<2> tree(&pos);
-    EXPECT_TRUE(tree.insert(0));
-    EXPECT_EQ(tree.size(), 1u);
-    EXPECT_EQ(tree.nodes[0][1], NONE_ID);
-    EXPECT_EQ(tree.nodes[0][2], NONE_ID);
-    EXPECT_FALSE(tree.insert(4));
+    EXPECT_EQ(tree.find_closest({0, 0}), NONE_ID);
+    EXPECT_FALSE(tree.insert(5));
     EXPECT_FALSE(tree.insert(NONE_ID));
-    EXPECT_EQ(tree.size(), 1u);
-    EXPECT_TRUE(tree.insert(1));  // x 1 >= 0: right of the root
-    EXPECT_TRUE(tree.insert(2));  // x -1 < 0: left of the root
-    EXPECT_TRUE(tree.insert(3));  // right of the root, then y -3 < 5: left of node 1
-    EXPECT_EQ(tree.nodes[0][2], 1u);
+    EXPECT_EQ(tree.size(), 0u);
+    for (unsigned i = 0; i < 5; ++i) EXPECT_TRUE(tree.insert(i));
+    // 1 right of the root (x 1 >= 0), 2 left of it, 3 right then left of 1 (y -3 < 5), 4 equal to 1
+    // on both axes: right of the root, right of 1.
     EXPECT_EQ(tree.nodes[0][1], 2u);
+    EXPECT_EQ(tree.nodes[0][2], 1u);
     EXPECT_EQ(tree.nodes[1][1], 3u);
-    EXPECT_EQ(tree.nodes[3][0], 3u);
+    EXPECT_EQ(tree.nodes[1][2], 4u);
+    EXPECT_EQ(tree.nodes[4][1], NONE_ID);
+    EXPECT_EQ(tree.find_closest({1, 5}), 1u);  // of the coincident pair, the one met first
+    EXPECT_EQ(tree.find_closest_if({1, 5}, not_node({}, 1u)), 4u);
 
     tree_t<2> detached(nullptr);
     EXPECT_FALSE(detached.insert(0));
-    EXPECT_EQ(detached.find_closest({0, 0}), NONE_ID);
-}
-
-TEST(BisectionTree, EqualCoordinatesGoRightAndFormAChain)
-{
-    dense2D<double> pos = matrix({{2, 2, 2}, {2, 2, 2}, {2, 2, 2}});
-    tree_t<3> tree(&pos);
-    for (unsigned i = 0; i < 3; ++i) tree.insert(i);
-    EXPECT_EQ(tree.nodes[0][2], 1u);
-    EXPECT_EQ(tree.nodes[1][2], 2u);
-    EXPECT_EQ(tree.nodes[0][1], NONE_ID);
-    EXPECT_EQ(tree.nodes[1][1], NONE_ID);
-}
-
-TEST(BisectionTree, EmptyTreeAndExcludedOnlyNodeFindNothing)
-{
-    dense2D<double> pos = matrix({{1, 1}});
-    tree_t<2> tree(&pos);
-    EXPECT_EQ(tree.find_closest({0, 0}), NONE_ID);
-    tree.insert(0);
-    EXPECT_EQ(tree.find_closest({5, 5}), 0u);
-    qv7::binder2nd<std::not_equal_to<unsigned>> not_zero({}, 0u);
-    EXPECT_EQ(tree.find_closest_if({5, 5}, not_zero), NONE_ID);
+    tree_t<2> single(&pos);
+    single.insert(0);
     double distance = 0;
-    EXPECT_EQ(tree.__tree_close({5, 5}, distance, not_zero), NONE_ID);
+    EXPECT_EQ(single.__tree_close({5, 5}, distance, not_node({}, 0u)), NONE_ID);
     EXPECT_EQ(distance, 1.7976931348623157e308);
-}
-
-TEST(BisectionTree, QueryOnACoincidentPairReturnsTheOneMetFirst)
-{
-    dense2D<double> pos = matrix({{3, 4}, {3, 4}});
-    tree_t<2> first_zero(&pos), first_one(&pos);
-    first_zero.insert(0);
-    first_zero.insert(1);
-    first_one.insert(1);
-    first_one.insert(0);
-    EXPECT_EQ(first_zero.find_closest({3, 4}), 0u);
-    EXPECT_EQ(first_one.find_closest({3, 4}), 1u);
-    double distance = -1;
-    first_one.__tree_close({3, 4}, distance, qv7::yes_predicate<unsigned>());
-    EXPECT_EQ(distance, 0.0);
+    EXPECT_EQ(single.find_closest_if({5, 5}, not_node({}, 0u)), NONE_ID);
 }
 
 TEST(BisectionTree, TieOffTheDescentGoesToTheRightSubtreeFirst)
 {
-    // Root (-0.1, 9); node 1 (5, 0.5) right of it, splitting on y; node 2 (-1, 0) left of the
-    // root; node 3 (0, 1) right of node 1. The query (0, 0) descends root, node 1, and stops,
-    // so the two nodes at distance 1 are met in the second phase: node 3 in the root's right
-    // subtree comes before node 2 in its left one.
-    dense2D<double> pos = matrix({{-0.1, 9}, {5, 0.5}, {-1, 0}, {0, 1}});
+    // Root (-0.1, 9); node 1 (5, 0.5) right of it, splitting on y; node 2 (-1, 0) left of the root;
+    // node 3 (0, 1) right of node 1. The query (0, 0) descends root, node 1 and stops, so the two
+    // nodes at distance 1 are met in the second phase: node 3 in the root's right subtree first.
+    dense2D<double> pos = matrix<double>(2, 4, {-0.1, 9, 5, 0.5, -1, 0, 0, 1});
     tree_t<2> tree(&pos);
     for (unsigned i = 0; i < 4; ++i) tree.insert(i);
-    ASSERT_EQ(tree.nodes[0][1], 2u);
-    ASSERT_EQ(tree.nodes[1][2], 3u);
-    double distance;
-    EXPECT_EQ(tree.__tree_close({0, 0}, distance, qv7::yes_predicate<unsigned>()), 1u);
     EXPECT_EQ(tree.find_closest({0, 0}), 3u);
-    qv7::binder2nd<std::not_equal_to<unsigned>> not_three({}, 3u);
-    EXPECT_EQ(tree.find_closest_if({0, 0}, not_three), 2u);
+    EXPECT_EQ(tree.find_closest_if({0, 0}, not_node({}, 3u)), 2u);
 }
 
-TEST(BisectionTree, ClosestMatchesBruteForceWithTies2D) { closest_matches_brute_force<2>(2000, 12, 3); }
-TEST(BisectionTree, ClosestMatchesBruteForceWithTies3D) { closest_matches_brute_force<3>(3000, 6, 4); }
-TEST(BisectionTree, ClosestOnManyCoincidentNodes) { closest_matches_brute_force<3>(600, 1, 5); }
-
-TEST(BisectionTree, BoxSearchMatchesBruteForceInWalkOrder)
+TEST(BisectionTree, SearchesAgreeWithBruteForce)
 {
-    box_matches_brute_force<2>(1500, 10, 11);
-    box_matches_brute_force<3>(2500, 5, 12);
-}
-
-TEST(BisectionTree, InvertedAndDegenerateBoxes)
-{
-    dense2D<double> pos = matrix({{1, 1}, {1, 1}, {1, 2}, {0, 1}});
-    tree_t<2> tree(&pos);
-    for (unsigned i = 0; i < 4; ++i) tree.insert(i);
-    dense1D<unsigned, 8> found;
-    double inverted[4] = {2, 2, 0, 0};
-    tree.__search1(inverted, 0, 0, std::back_inserter(found));
-    EXPECT_EQ(found.size(), 0u);
-    double point[4] = {1, 1, 1, 1};
-    tree.__search1(point, 0, 0, std::back_inserter(found));
-    ASSERT_EQ(found.size(), 2u);
-    EXPECT_EQ(found[0], 0u);
-    EXPECT_EQ(found[1], 1u);
-}
-
-TEST(BisectionTree, ReserveAvoidsReallocationDuringInsertion)
-{
-    dense2D<double> pos = lattice_points(3, 1000, 50, 8);
-    tree_t<3> tree(&pos);
-    tree.__reserve(1000);
-    EXPECT_EQ(tree.size(), 0u);
-    auto* block = tree.nodes.items.storage();
-    std::size_t capacity = block->capacity;
-    for (unsigned i = 0; i < 1000; ++i) tree.insert(i);
-    EXPECT_EQ(tree.size(), 1000u);
-    EXPECT_EQ(tree.nodes.items.storage(), block);
-    EXPECT_EQ(block->capacity, capacity);
+    check_against_brute_force<2>(2000, 12, 3);
+    check_against_brute_force<3>(3000, 6, 4);
+    check_against_brute_force<3>(600, 1, 5);  // mostly coincident nodes
 }
 
 TEST(BisectionTree, LongChainOfCoincidentNodesDoesNotExhaustTheStack)
 {
-    // Coincident nodes all go right: the records of one long right chain, written directly since
-    // inserting them would take quadratic time.
+    // Coincident nodes all go right: one long right chain, written directly since inserting it
+    // would take quadratic time.
     unsigned const n = 1000000;
     dense2D<double> pos;
     pos.resize(2, n, 1.0);
@@ -321,49 +176,34 @@ TEST(BisectionTree, LongChainOfCoincidentNodesDoesNotExhaustTheStack)
         unsigned const record[3] = {i, NONE_ID, i + 1 < n ? i + 1 : NONE_ID};
         ASSERT_TRUE(tree.nodes.__construct(i, record));
     }
-    qv7::binder2nd<std::not_equal_to<unsigned>> not_zero({}, 0u);
     EXPECT_EQ(tree.find_closest({1.5, 1.0}), 0u);
-    EXPECT_EQ(tree.find_closest_if({1.5, 1.0}, not_zero), 1u);
+    EXPECT_EQ(tree.find_closest_if({1.5, 1.0}, not_node({}, 0u)), 1u);
 }
 
-TEST(BisectionTree, RelayoutKeepsTheShapeAndEveryResult)
+TEST(BisectionTree, ReservedBuildAndRelayoutKeepEveryResult)
 {
-    dense2D<double> pos = lattice_points(3, 3000, 5, 21);
+    dense2D<double> pos = lattice_points<3>(3000, 5, 21);
     tree_t<3> tree(&pos);
-    insert_shuffled(tree, 3000);
-    std::vector<unsigned> shape_before;
-    node_right_left(tree, 0, shape_before);
+    tree.__reserve(3000);
+    auto* block = tree.nodes.items.storage();
+    fill(tree, 3000);
+    EXPECT_EQ(tree.nodes.items.storage(), block);  // no reallocation while inserting
 
-    std::mt19937 rng(22);
-    std::uniform_int_distribution<int> pick(-12, 12);
-    std::vector<tree_t<3>::point_type> queries(500);
-    for (auto& p : queries)
-        for (unsigned k = 0; k < 3; ++k) p[k] = pick(rng) * 0.5;
-    auto answers = [&] {
-        std::vector<unsigned> out;
-        for (auto const& p : queries) {
-            out.push_back(tree.find_closest(p));
-            double box[6] = {p[0] - 1, p[1] - 1, p[2] - 1, p[0] + 1, p[1] + 1, p[2] + 1};
-            dense1D<unsigned, 8> hits;
-            tree.__search1(box, 0, 0, std::back_inserter(hits));
-            out.insert(out.end(), hits.begin(), hits.end());
-        }
-        return out;
-    };
-    std::vector<unsigned> before = answers();
-
+    std::vector<unsigned> shape;
+    walk(tree, 0, 2, shape);
+    std::vector<unsigned> before;
+    for (int q = 0; q < 300; ++q) before.push_back(tree.find_closest({q % 7 - 3.0, q % 11 - 5.5, q % 5 - 2.0}));
     tree.__relayout();
-    std::vector<unsigned> shape_after;
-    node_right_left(tree, 0, shape_after);
-    EXPECT_EQ(shape_after, shape_before);
-    for (unsigned slot = 0; slot < 3000; ++slot) {  // slots now follow the search order
+    std::vector<unsigned> shape_after, after;
+    walk(tree, 0, 2, shape_after);
+    EXPECT_EQ(shape_after, shape);
+    for (unsigned slot = 0; slot < 3000; ++slot) {  // slots follow the search order
         unsigned const* r = tree.nodes[slot];
         unsigned first_child = r[2] != NONE_ID ? r[2] : r[1];
         if (first_child != NONE_ID) {
             ASSERT_EQ(first_child, slot + 1);
         }
     }
-    EXPECT_EQ(answers(), before);
-    EXPECT_TRUE(tree.insert(7));  // still grows
-    EXPECT_EQ(tree.size(), 3001u);
+    for (int q = 0; q < 300; ++q) after.push_back(tree.find_closest({q % 7 - 3.0, q % 11 - 5.5, q % 5 - 2.0}));
+    EXPECT_EQ(after, before);
 }
