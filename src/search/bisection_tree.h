@@ -138,6 +138,8 @@ public:
         for (;;) {
             while (node != NONE_ID) {
                 unsigned const* r = nodes[node];
+                __prefetch_coordinates(node + 1, X, ld);
+                __prefetch_coordinates(node + 2, X, ld);
                 double const* c = X + r[0] * ld;
                 double s = c[axis];
                 double d = distance;
@@ -191,6 +193,13 @@ public:
     rand_gen gen;
 
 private:
+    // Once the slots follow the search order (see __relayout), the next slots are the likely next
+    // visits: asking early for their coordinates hides part of the wait for the caller's matrix.
+    void __prefetch_coordinates(unsigned long slot, double const* X, std::size_t ld) const noexcept
+    {
+        if (slot < size()) __builtin_prefetch(X + nodes[slot][0] * ld);
+    }
+
     static unsigned __next(unsigned long axis) noexcept { return axis + 1 == D ? 0 : static_cast<unsigned>(axis + 1); }
 
     // The next free slot: a released one if any lies within the records, else a new one.
