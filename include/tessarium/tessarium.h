@@ -14,5 +14,7 @@
 #include "histogram.h"
 #include "lapack.h"
 #include "index_utilities.h"
+#include "finite_rotation.h"
+#include "transforms.h"
 #include "node_detector.h"
 #include "repair.h"

@@ -8,10 +8,8 @@
 
 using namespace node_arrays;
 using qv7::dense2D;
-using qv7::NONE_ID;
 using qv7::tessarium::clip;
 using v3 = qv7::vector_fixed<double, 3>;
-using U = std::vector<unsigned>;
 
 namespace {
 
@@ -33,18 +31,18 @@ TEST(Clip, KeepsWholeElementsStrictlyOnThePositiveSideAndAppends)
     for (double length : {1.0, 1000.0}) {
         dense2D<unsigned> out;
         EXPECT_EQ(clip(pos, edges, v3{0, 7, 7}, v3{length, 0, 0}, out), 0);
-        EXPECT_EQ(values(out), (U{2, 3, 4, 3}));  // the edge touching the plane at node 1 is dropped
+        EXPECT_EQ(values(out), (V{2, 3, 4, 3}));  // the edge touching the plane at node 1 is dropped
     }
     dense2D<unsigned> out = matrix<unsigned>(2, 1, {9, 9});
     EXPECT_EQ(clip(pos, edges, v3{0.5, 0, 0}, v3{-1, 0, 0}, out), 0);
-    EXPECT_EQ(values(out), (U{9, 9, 0, 1}));
+    EXPECT_EQ(values(out), (V{9, 9, 0, 1}));
 
     // Mixed columns are judged on their real nodes; a 2-row matrix lies at z = 0.
     dense2D<double> flat = row_of_nodes(2);
     dense2D<unsigned> faces = matrix<unsigned>(4, 3, {2, 3, 4, NONE_ID, 2, 3, 4, 0, NONE_ID, 0, 0, 0});
     dense2D<unsigned> above;
     EXPECT_EQ(clip(flat, faces, v3{1.5, 0, -1}, v3{1, 0, 1}, above), 0);  // x + z > 0.5
-    EXPECT_EQ(values(above), (U{2, 3, 4, NONE_ID, NONE_ID, 0, 0, 0}));
+    EXPECT_EQ(values(above), (V{2, 3, 4, NONE_ID, NONE_ID, 0, 0, 0}));
 }
 
 TEST(Clip, RefusalsInOrderLeaveOutAlone)
@@ -56,7 +54,7 @@ TEST(Clip, RefusalsInOrderLeaveOutAlone)
     EXPECT_EQ(clip(pos, wrong, v3{0, 0, 0}, v3{0, 0, 0}, out), -2);
     EXPECT_EQ(clip(pos, edges, v3{0, 0, 0}, v3{1e-13, 0, 0}, out), -4);
     EXPECT_EQ(clip(pos, edges, v3{0, 0, 0}, v3{1, 0, 0}, out), -5);
-    EXPECT_EQ(values(out), (U{1, 1, 1, 1}));
+    EXPECT_EQ(values(out), (V{1, 1, 1, 1}));
 }
 
 TEST(Clip, MemoryExhaustionKeepsOldColumns)
@@ -72,7 +70,7 @@ TEST(Clip, MemoryExhaustionKeepsOldColumns)
             result = clip(pos, edges, v3{0, 0, 0}, v3{1, 0, 0}, out);
         }
         refused = refused || result == -199;
-        EXPECT_EQ(values(out), result == -199 ? (U{8, 8}) : (U{8, 8, 2, 3, 3, 4}));
+        EXPECT_EQ(values(out), result == -199 ? (V{8, 8}) : (V{8, 8, 2, 3, 3, 4}));
     }
     EXPECT_TRUE(refused);
 }

@@ -15,9 +15,7 @@
 using namespace node_arrays;
 using qv7::dense1D;
 using qv7::dense2D;
-using qv7::NONE_ID;
 using qv7::tessarium::merge;
-using U = std::vector<unsigned>;
 
 namespace {
 
@@ -37,17 +35,17 @@ TEST(MergeList, FirstListedSurvivesWithinAnInclusiveTolerance)
     dense2D<double> pair = on_x_axis({0.0, 0.5});
     dense1D<unsigned, 8> merged;
     EXPECT_EQ(merge(pair, list({0u, 1u}), merged, 1.0), 1);
-    EXPECT_EQ(values(merged), (U{0, 0}));
+    EXPECT_EQ(values(merged), (V{0, 0}));
     EXPECT_EQ(merge(pair, list({1u, NONE_ID, 1u, 0u}), merged, 1.0), 1);  // not the lowest number
-    EXPECT_EQ(values(merged), (U{1, 1}));
+    EXPECT_EQ(values(merged), (V{1, 1}));
 
     dense2D<double> pos = matrix<double>(3, 3, {0, 0, 0, 3, 4, 0, 0, 0, 0});  // 3-4-5 triangle
     dense1D<unsigned, 8> first_two = list({0u, 1u});
     EXPECT_EQ(merge(pos, first_two, merged, 5.0), 1);
     EXPECT_EQ(merge(pos, first_two, merged, std::nextafter(5.0, 0.0)), 0);
-    EXPECT_EQ(values(merged), (U{0, 1, 2}));
+    EXPECT_EQ(values(merged), (V{0, 1, 2}));
     EXPECT_EQ(merge(pos, list({2u, 1u, 0u}), merged, 0.0), 1);  // exact duplicates only
-    EXPECT_EQ(values(merged), (U{2, 1, 2}));
+    EXPECT_EQ(values(merged), (V{2, 1, 2}));
 }
 
 TEST(MergeList, ChainsFollowTheMapWhileTheRankFalls)
@@ -56,9 +54,9 @@ TEST(MergeList, ChainsFollowTheMapWhileTheRankFalls)
     dense2D<double> pos = on_x_axis({0, 1, 2});
     dense1D<unsigned, 8> merged;
     EXPECT_EQ(merge(pos, list({0u, 1u, 2u}), merged, 1.0), 2);
-    EXPECT_EQ(values(merged), (U{0, 0, 0}));
+    EXPECT_EQ(values(merged), (V{0, 0, 0}));
     EXPECT_EQ(merge(pos, list({1u, 0u, 2u}), merged, 1.0), 2);
-    EXPECT_EQ(values(merged), (U{1, 1, 1}));
+    EXPECT_EQ(values(merged), (V{1, 1, 1}));
 }
 
 TEST(MergeList, TwoListsAgreeWithBruteForceOnLatticeTies)
@@ -74,7 +72,7 @@ TEST(MergeList, TwoListsAgreeWithBruteForceOnLatticeTies)
         pos.resize(rows, n);
         for (unsigned j = 0; j < n; ++j)
             for (unsigned k = 0; k < rows; ++k) pos(k, j) = pick(rng) * 0.5;
-        U perm(n);
+        V perm(n);
         std::iota(perm.begin(), perm.end(), 0u);
         std::shuffle(perm.begin(), perm.end(), rng);
         dense1D<unsigned, 8> first, second, merged;
@@ -103,10 +101,10 @@ TEST(MergeList, NonFiniteAndFarApartCoordinates)
     dense2D<double> pos = matrix<double>(2, 6, {0, 0, nan, 0, 0, 0, inf, 0, inf, 0, 1e300, 0});
     dense1D<unsigned, 8> all = list({0u, 1u, 2u, 3u, 4u, 5u}), merged;
     EXPECT_EQ(merge(pos, all, merged, 0.0), 1);  // inf - inf is NaN: infinite nodes stay apart
-    EXPECT_EQ(values(merged), (U{0, 1, 0, 3, 4, 5}));
+    EXPECT_EQ(values(merged), (V{0, 1, 0, 3, 4, 5}));
     // An infinite tol reaches the infinite nodes from finite ones, but their own boxes are NaN.
     EXPECT_EQ(merge(pos, all, merged, inf), 2);
-    EXPECT_EQ(values(merged), (U{0, 1, 0, 3, 4, 0}));
+    EXPECT_EQ(values(merged), (V{0, 1, 0, 3, 4, 0}));
 
     dense2D<double> far = matrix<double>(3, 3, {0, 0, 0, 0, 0, 1e-9, 1e12, 1e12, -1e12});
     EXPECT_EQ(merge(far, merged, 2e-9), 1);
@@ -118,11 +116,11 @@ TEST(MergeCoordinates, NodesTakeTheCoordinatesOfTheirSurvivor)
     dense2D<double> other = pos;  // shares the block: sees the change
     dense1D<unsigned, 8> merged;
     EXPECT_EQ(merge(pos, merged, 0.5), 2);
-    EXPECT_EQ(values(merged), (U{0, 0, 0, 3}));
-    EXPECT_EQ(values(other), (std::vector<double>{0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5}));
+    EXPECT_EQ(values(merged), (V{0, 0, 0, 3}));
+    EXPECT_EQ(values(other), (D{0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5}));
     dense2D<double> flat = matrix<double>(2, 3, {1, 1, 4, 4, 1, 1.25});
     EXPECT_EQ(merge(flat, 0.25), 1);
-    EXPECT_EQ(values(flat), (std::vector<double>{1, 1, 4, 4, 1, 1}));
+    EXPECT_EQ(values(flat), (D{1, 1, 4, 4, 1, 1}));
 }
 
 TEST(MergeCodes, RefusalsComeInOrderAndEmptyTheMap)
@@ -136,7 +134,7 @@ TEST(MergeCodes, RefusalsComeInOrderAndEmptyTheMap)
     EXPECT_EQ(merge(one_row, merged, -1.0), -1);
     EXPECT_EQ(merge(pos, -1.0), -3);
     EXPECT_EQ(merge(pos, merged, nan), 0);  // a NaN tol passes and merges nothing
-    EXPECT_EQ(values(merged), (U{0, 1}));
+    EXPECT_EQ(values(merged), (V{0, 1}));
     EXPECT_EQ(merge(one_row, bad, merged, -1.0), -1);
     EXPECT_EQ(merge(pos, bad, merged, -1.0), -2);
     EXPECT_EQ(merge(pos, good, merged, -1.0), -4);
@@ -152,9 +150,9 @@ TEST(MergeCodes, RefusalsComeInOrderAndEmptyTheMap)
     EXPECT_EQ(merge(pos, edges, merged, -1.0, 9), -5);
     EXPECT_EQ(merge(pos, edges, merged, 1.0, 3), -6);
     EXPECT_EQ(merge(pos, edges, wrong, 1.0, 0), -2);
-    EXPECT_EQ(values(wrong), (U{0, 2}));
+    EXPECT_EQ(values(wrong), (V{0, 2}));
     EXPECT_EQ(merge(pos, edges, nan, 1), 0);
-    EXPECT_EQ(values(edges), (U{0, 1}));
+    EXPECT_EQ(values(edges), (V{0, 1}));
 }
 
 TEST(MergeModes, ShortEdgeWithinOneElementAgainstCoincidentNodesOfTwo)
@@ -164,13 +162,13 @@ TEST(MergeModes, ShortEdgeWithinOneElementAgainstCoincidentNodesOfTwo)
     dense1D<unsigned, 8> merged;
     dense2D<unsigned> A = matrix<unsigned>(3, 1, {0, 1, 2}), B = matrix<unsigned>(3, 1, {3, 4, 5});
     EXPECT_EQ(merge(pos, A, B, merged, 0.05, 1), 1);
-    EXPECT_EQ(values(merged), (U{0, 1, 1, 3, 4, 5}));
-    EXPECT_EQ(values(A), (U{0, 1, 1}));
+    EXPECT_EQ(values(merged), (V{0, 1, 1, 3, 4, 5}));
+    EXPECT_EQ(values(A), (V{0, 1, 1}));
 
     dense2D<unsigned> both[2] = {matrix<unsigned>(3, 1, {0, 1, 2}), matrix<unsigned>(3, 1, {3, 4, 5})};
     EXPECT_EQ(merge(pos, both, both + 2, merged, 0.05, 0), 2);
-    EXPECT_EQ(values(merged), (U{0, 1, 1, 0, 4, 5}));
-    EXPECT_EQ(values(both[1]), (U{0, 4, 5}));
+    EXPECT_EQ(values(merged), (V{0, 1, 1, 0, 4, 5}));
+    EXPECT_EQ(values(both[1]), (V{0, 4, 5}));
 }
 
 TEST(MergeModes, ShortestPairsFirstAndRepeatedPasses)
@@ -181,19 +179,19 @@ TEST(MergeModes, ShortestPairsFirstAndRepeatedPasses)
     dense1D<unsigned, 8> merged;
     dense2D<unsigned> quad = matrix<unsigned>(4, 1, {0, 1, 2, 3});
     EXPECT_EQ(merge(pos, quad, merged, 1.0, 1), 2);
-    EXPECT_EQ(values(quad), (U{0, 0, 0, 3}));
+    EXPECT_EQ(values(quad), (V{0, 0, 0, 3}));
     quad = matrix<unsigned>(4, 1, {0, 1, 2, 3});
     EXPECT_EQ(merge(pos, quad, merged, 1.0, 0), 3);
-    EXPECT_EQ(values(quad), (U{0, 0, 0, 0}));
+    EXPECT_EQ(values(quad), (V{0, 0, 0, 0}));
 
     // Two edges 0-1 and 1-2: once 1 is on 0, the second edge joins 0 and 2, which mode 2 merges.
     dense2D<double> line = on_x_axis({0, 0.375, 0.875});
     dense2D<unsigned> edges = matrix<unsigned>(2, 2, {0, 1, 1, 2});
     EXPECT_EQ(merge(line, edges, merged, 1.0, 1), 1);
-    EXPECT_EQ(values(edges), (U{0, 0, 0, 2}));
+    EXPECT_EQ(values(edges), (V{0, 0, 0, 2}));
     edges = matrix<unsigned>(2, 2, {0, 1, 1, 2});
     EXPECT_EQ(merge(line, edges, merged, 1.0, 2), 2);
-    EXPECT_EQ(values(merged), (U{0, 0, 0}));
+    EXPECT_EQ(values(merged), (V{0, 0, 0}));
 }
 
 TEST(MergeMemory, ExhaustionGivesMinus199OrTheFullResult)
@@ -212,8 +210,8 @@ TEST(MergeMemory, ExhaustionGivesMinus199OrTheFullResult)
             by_element = merge(pos, tris, 0.6, 1);
         }
         refused = refused || by_list == -199;
-        EXPECT_EQ(values(merged), by_list == -199 ? U{} : (U{0, 0, 0, 3, 3}));
-        EXPECT_EQ(values(tris), by_element == -199 ? (U{0, 1, 2, 2, 3, 4}) : (U{0, 1, 2, 2, 3, 3}));
+        EXPECT_EQ(values(merged), by_list == -199 ? V{} : (V{0, 0, 0, 3, 3}));
+        EXPECT_EQ(values(tris), by_element == -199 ? (V{0, 1, 2, 2, 3, 4}) : (V{0, 1, 2, 2, 3, 3}));
     }
     EXPECT_TRUE(refused);
     EXPECT_EQ(test_alloc::live_blocks(), before);

@@ -16,7 +16,7 @@ using qv7::NONE_ID;
 using qv7::tessarium::node_detector;
 using v2 = qv7::vector_fixed<double, 2>;
 using v3 = qv7::vector_fixed<double, 3>;
-using U = std::vector<unsigned>;
+using node_arrays::V;
 
 TEST(NodeDetector, EmptyDetectorFindsNothing)
 {
@@ -26,7 +26,7 @@ TEST(NodeDetector, EmptyDetectorFindsNothing)
     EXPECT_EQ(nd.insert(list({0u, 1u})), 0);
     dense1D<unsigned, 8> found = list({9u});
     nd.find_in_box(v3{-1, -1, -1}, v3{1, 1, 1}, found);
-    EXPECT_EQ(values(found), U{9});
+    EXPECT_EQ(values(found), V{9});
 }
 
 TEST(NodeDetector, ReinitChecksShapeThenList)
@@ -68,7 +68,7 @@ TEST(NodeDetector, QueriesOfEitherDimensionOnTreesOfEither)
     found.clear();
     solid.find_in_box(v2{-10, -10}, v2{10, 10}, found);  // only z exactly 0 matches
     solid.find_in_box(v2{-10, -10}, v2{10, 10}, found);
-    EXPECT_EQ(values(found), (U{2, 2}));
+    EXPECT_EQ(values(found), (V{2, 2}));
 }
 
 TEST(NodeDetector, ClosestOtherNode)

@@ -9,17 +9,15 @@
 using namespace node_arrays;
 using qv7::dense1D;
 using qv7::dense2D;
-using qv7::NONE_ID;
 using qv7::tessarium::remove_degenerated;
-using U = std::vector<unsigned>;
 
 TEST(RemoveDegenerated, RepeatedNodesAnywhereInTheColumn)
 {
     dense2D<unsigned> tris = matrix<unsigned>(3, 5, {1, 2, 2, 0, 1, 2, 7, 3, 7, 4, 5, 6, 3, 3, 3});
     dense1D<unsigned, 8> IDs;
     EXPECT_EQ(remove_degenerated(tris, IDs, false), 3);
-    EXPECT_EQ(values(tris), (U{0, 1, 2, 4, 5, 6}));  // order kept
-    EXPECT_EQ(values(IDs), (U{NONE_ID, 0, NONE_ID, 1, NONE_ID}));
+    EXPECT_EQ(values(tris), (V{0, 1, 2, 4, 5, 6}));  // order kept
+    EXPECT_EQ(values(IDs), (V{NONE_ID, 0, NONE_ID, 1, NONE_ID}));
 
     dense2D<unsigned> edges = matrix<unsigned>(2, 2, {0, 0, 5, 5}), none;
     EXPECT_EQ(remove_degenerated(edges, false), 2);
@@ -31,7 +29,7 @@ TEST(RemoveDegenerated, RepeatedNodesAnywhereInTheColumn)
     dense2D<unsigned> full = matrix<unsigned>(3, 3, {4, 4, 9, 1, 2, 9, 3, 3, 9});
     dense2D<unsigned> view = full.submatrix(0, 3, 2);
     EXPECT_EQ(remove_degenerated(view, false), 2);
-    EXPECT_EQ(values(view), (U{1, 2}));
+    EXPECT_EQ(values(view), (V{1, 2}));
 }
 
 TEST(RemoveDegenerated, NoneIdRepeatsCountOnlyWhenStrict)
@@ -43,9 +41,9 @@ TEST(RemoveDegenerated, NoneIdRepeatsCountOnlyWhenStrict)
                                                        1, 2, 1, 4, NONE_ID, NONE_ID, NONE_ID, NONE_ID});
     dense1D<unsigned, 8> IDs;
     EXPECT_EQ(remove_degenerated(solids, IDs, false), 1);
-    EXPECT_EQ(values(IDs), (U{0, 1, NONE_ID}));
+    EXPECT_EQ(values(IDs), (V{0, 1, NONE_ID}));
     EXPECT_EQ(remove_degenerated(solids, IDs, true), 1);
-    EXPECT_EQ(values(IDs), (U{NONE_ID, 0}));
+    EXPECT_EQ(values(IDs), (V{NONE_ID, 0}));
 }
 
 TEST(RemoveDegenerated, MemoryExhaustion)
@@ -56,5 +54,5 @@ TEST(RemoveDegenerated, MemoryExhaustion)
         test_alloc::failing_scope guard(k);
         EXPECT_EQ(remove_degenerated(tris, IDs, false), -199);
     }
-    EXPECT_EQ(values(tris), (U{1, 2, 2, 0, 1, 2}));
+    EXPECT_EQ(values(tris), (V{1, 2, 2, 0, 1, 2}));
 }
