@@ -23,3 +23,5 @@
 #include "connectivity.h"
 #include "nastran.h"
 #include "femap.h"
+#include "node_detector.h"
+#include "repair.h"
