@@ -1,11 +1,12 @@
-// Buffered text output onto a C stream, with number formatting that gives the bytes of the
-// corresponding printf conversions ("%d", "%8d", "%E", "%f", "%12.5e") without parsing a format
-// string for every number.
+// Buffered text output onto a C stream for the writers. Text is gathered in memory and goes out in
+// large writes; numbers get the bytes of the printf conversion named at each method without a
+// format string being parsed for every number.
 #pragma once
 
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <type_traits>
 
 namespace qv7 {
 namespace tessarium {
@@ -20,22 +21,40 @@ public:
     // Hands what is buffered to the stream; the stream's own buffering and errors are its business.
     void flush() noexcept;
 
-    void text(char const* s, std::size_t n) noexcept;
-    void text(char const* s) noexcept { text(s, std::strlen(s)); }
-    void put(char c) noexcept
+    __text_sink& text(char const* s, std::size_t n) noexcept;
+    __text_sink& text(char const* s) noexcept { return text(s, std::strlen(s)); }
+    __text_sink& put(char c) noexcept
     {
         if (used_ == capacity) flush();
         buffer_[used_++] = c;
+        return *this;
     }
 
-    // "%d"
-    void integer(int value) noexcept;
-    // "%*d": right-aligned in a field of at least `width` characters.
-    void integer(int value, unsigned width) noexcept;
-    // "%.*E" when `upper`, else "%.*e", right-aligned in at least `width` characters.
-    void scientific(double value, int precision, bool upper, unsigned width = 0) noexcept;
+    // "%*d" of a signed value, "%*u" of an unsigned one (all the bits of its type): right-aligned
+    // in a field of at least `width` characters.
+    template <class Int>
+    __text_sink& integer(Int value, unsigned width = 0) noexcept
+    {
+        static_assert(std::is_integral<Int>::value, "an integer type");
+        using magnitude_type = std::conditional_t<(sizeof(Int) <= sizeof(unsigned)), unsigned, unsigned long>;
+        auto magnitude = static_cast<magnitude_type>(value);
+        bool negative = false;
+        if constexpr (std::is_signed<Int>::value) {
+            negative = value < 0;
+            if (negative) magnitude = 0 - magnitude;
+        }
+        digits(magnitude, negative, width);
+        return *this;
+    }
+    // "%*.*E" when `upper`, else "%*.*e".
+    __text_sink& scientific(double value, int precision, bool upper, unsigned width = 0) noexcept
+    {
+        return real(value, upper ? 'E' : 'e', precision, width);
+    }
     // "%f"
-    void fixed(double value) noexcept;
+    __text_sink& fixed(double value) noexcept { return real(value, 'f', 6, 0); }
+    // "%g"
+    __text_sink& general(double value) noexcept { return real(value, 'g', 6, 0); }
 
     // A value written with "%d" from an unsigned source: same bits, read as int.
     static int as_int(unsigned long value) noexcept { return static_cast<int>(static_cast<unsigned>(value)); }
@@ -51,6 +70,10 @@ private:
         if (capacity - used_ < n) flush();
         return buffer_ + used_;
     }
+    template <class Unsigned>
+    void digits(Unsigned magnitude, bool negative, unsigned width) noexcept;
+    // `conversion` is the printf letter: 'e', 'E', 'f' or 'g'.
+    __text_sink& real(double value, char conversion, int precision, unsigned width) noexcept;
     void pad_and_commit(char* start, std::size_t length, unsigned width) noexcept;
 
     std::FILE* stream_;
