@@ -1,5 +1,7 @@
 #include "tessarium/ensight.h"
 
+#include "exchange/convenience_forms.h"
+#include "exchange/group_checks.h"
 #include "exchange/groups.h"
 #include "exchange/text_sink.h"
 
@@ -94,7 +96,7 @@ void write_element_lines(__text_sink& out, dense2D<unsigned> const& connectM, un
 void __ensight_connect(std::FILE* stream, dense2D<unsigned> const& connectM, element_type FE, unsigned part)
 {
     FE = __narrow(FE, connectM.rows());
-    if (FE < ET_NONE || FE > ET_HEXA27) return;
+    if (!__is_element_type(FE)) return;
     ensight_element const& element = ensight_elements[FE];
     if (!element.keyword) return;
     __text_sink out(stream);
@@ -116,8 +118,7 @@ int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<un
     // Opened before anything is checked: a refusal leaves the file created, empty and open.
     std::FILE* file = std::fopen(file_name, "w");
     if (!file) return -1;
-    if (pos.rows() < 1 || pos.rows() > 3) return -2;
-    if (int code = __check_groups(first, last, FEs, NONE_ID)) return code;
+    if (int code = __check_groups(__ensight_rules, pos, first, last, FEs)) return code;
     {
         __text_sink out(file);
         write_nodes(out, pos);
@@ -131,17 +132,13 @@ int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<un
 int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
                    element_type FE)
 {
-    return __with_groups(connectM, FE, [&](auto first, auto last, auto const& FEs) {
-        return ensight_output(file_name, pos, first, last, FEs);
-    });
+    return __write_one_matrix(ensight_output, file_name, pos, connectM, FE);
 }
 
 int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
                    dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2)
 {
-    return __with_groups(connectM1, connectM2, FE1, FE2, [&](auto first, auto last, auto const& FEs) {
-        return ensight_output(file_name, pos, first, last, FEs);
-    });
+    return __write_two_matrices(ensight_output, file_name, pos, connectM1, connectM2, FE1, FE2);
 }
 
 }  // namespace tessarium

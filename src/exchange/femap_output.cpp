@@ -2,7 +2,9 @@
 // elements. Numbers take the default stream format: six significant digits in the shorter of
 // fixed and exponent notation ("%g").
 #include "exchange/femap_tables.h"
-#include "exchange/grouped_mesh.h"
+#include "exchange/convenience_forms.h"
+#include "exchange/group_checks.h"
+#include "exchange/groups.h"
 #include "exchange/text_sink.h"
 #include "tessarium/femap.h"
 
@@ -52,20 +54,13 @@ void write_record(__femap_kind const& kind, std::size_t column, unsigned ID, uns
     out.text(record_tail);
 }
 
-// The kind of one column of a group; null for what has no record (pyramids of a mixed group).
-__femap_kind const* column_kind(element_type group, unsigned const* column, std::size_t rows) noexcept
-{
-    if (group == ET_FACE_MIX) return __femap_kind_of_type(__face_mix_element(column, rows));
-    if (group == ET_SOLID_MIX) return __femap_kind_of_type(__solid_mix_element(column, rows));
-    return __femap_kind_of_type(group);
-}
-
 void write_group(dense2D<unsigned> const& connectM, __column_range range, element_type group,
                  dense1D<unsigned, 8> const& IDs, __text_sink& out)
 {
     for (std::size_t j = range.first; j < range.first + range.count; ++j) {
         unsigned const* column = connectM.col(j);
-        if (__femap_kind const* kind = column_kind(group, column, connectM.rows()))
+        // Types without a record, the pyramids of a mixed group among them, are left out.
+        if (__femap_kind const* kind = __femap_kind_of_type(__column_type(group, column, connectM.rows())))
             write_record(*kind, j, IDs[j], column, out);
     }
 }

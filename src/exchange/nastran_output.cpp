@@ -1,6 +1,8 @@
 // Writes a mesh as a NASTRAN bulk data deck: grid points in large field, element cards in free
 // field with continuation lines, and a dummy material card.
-#include "exchange/grouped_mesh.h"
+#include "exchange/convenience_forms.h"
+#include "exchange/group_checks.h"
+#include "exchange/groups.h"
 #include "exchange/nastran_tables.h"
 #include "exchange/text_sink.h"
 #include "tessarium/nastran.h"
@@ -58,19 +60,12 @@ void write_card(__nastran_card const& card, std::size_t column, unsigned PID, un
     out.put('\n');
 }
 
-element_type column_type(element_type group, unsigned const* column, std::size_t rows) noexcept
-{
-    if (group == ET_FACE_MIX) return __face_mix_element(column, rows);
-    if (group == ET_SOLID_MIX) return __solid_mix_element(column, rows);
-    return group;
-}
-
 void write_group(dense2D<unsigned> const& connectM, __column_range range, element_type group,
                  dense1D<unsigned, 8> const& PIDs, __text_sink& out)
 {
     for (std::size_t j = range.first; j < range.first + range.count; ++j) {
         unsigned const* column = connectM.col(j);
-        __nastran_card const& card = __nastran_cards[column_type(group, column, connectM.rows())];
+        __nastran_card const& card = __nastran_cards[__column_type(group, column, connectM.rows())];
         if (card.name) write_card(card, j, PIDs[j], column, out);
     }
 }

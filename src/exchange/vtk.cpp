@@ -1,5 +1,7 @@
 #include "tessarium/vtk.h"
 
+#include "exchange/convenience_forms.h"
+#include "exchange/group_checks.h"
 #include "exchange/groups.h"
 #include "exchange/text_sink.h"
 
@@ -124,7 +126,7 @@ int vtk_convert(dense2D<unsigned> const& connectM, element_type FE, unsigned& nb
 {
     if (!check_IDs(connectM, FE, NONE_ID)) return -1;
     FE = __narrow(FE, connectM.rows());
-    if (FE < ET_NONE || FE > ET_HEXA27 || vtk_cells[FE].type == 0) return -2;
+    if (!__is_element_type(FE) || vtk_cells[FE].type == 0) return -2;
     vtk_cell const cell = vtk_cells[FE];
     std::size_t R = connectM.rows(), C = connectM.cols();
     if (R < cell.nodes) return -1;
@@ -170,8 +172,7 @@ int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsign
     // Opened before anything is checked: a refusal leaves the file created, empty and open.
     std::FILE* file = std::fopen(file_name, "w");
     if (!file) return -1;
-    if (pos.rows() != 2 && pos.rows() != 3) return -2;
-    if (int code = __check_groups(first, last, FEs, static_cast<unsigned>(pos.cols()))) return code;
+    if (int code = __check_groups(__vtk_rules, pos, first, last, FEs)) return code;
 
     __block_list list;
     unsigned nbr_cells = 0;
@@ -192,17 +193,13 @@ int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsign
 
 int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE)
 {
-    return __with_groups(connectM, FE, [&](auto first, auto last, auto const& FEs) {
-        return vtk_output(file_name, pos, first, last, FEs);
-    });
+    return __write_one_matrix(vtk_output, file_name, pos, connectM, FE);
 }
 
 int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
                dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2)
 {
-    return __with_groups(connectM1, connectM2, FE1, FE2, [&](auto first, auto last, auto const& FEs) {
-        return vtk_output(file_name, pos, first, last, FEs);
-    });
+    return __write_two_matrices(vtk_output, file_name, pos, connectM1, connectM2, FE1, FE2);
 }
 
 }  // namespace tessarium
