@@ -72,51 +72,32 @@ bool reserve_more(dense1D<unsigned, 8>& list, std::size_t more)
 
 void write_points(__text_sink& out, dense2D<double> const& pos)
 {
-    out.text("\nPOINTS ");
-    out.integer(__text_sink::as_int(pos.cols()));
-    out.text(" double\n");
+    out.text("\nPOINTS ").integer(__text_sink::as_int(pos.cols())).text(" double\n");
     for (std::size_t j = 0; j < pos.cols(); ++j) {
         double const* x = pos.col(j);
-        out.fixed(x[0]);
-        out.put(' ');
-        out.fixed(x[1]);
-        out.put(' ');
-        out.fixed(pos.rows() == 3 ? x[2] : 0.0);
-        out.put('\n');
+        out.fixed(x[0]).put(' ').fixed(x[1]).put(' ').fixed(pos.rows() == 3 ? x[2] : 0.0).put('\n');
     }
 }
 
 // Walks the flat list cell by cell; a count that runs past the end is cut at the end.
 void write_cells(__text_sink& out, unsigned nbr_cells, dense1D<unsigned, 8> const& cells)
 {
-    out.text("\nCELLS ");
-    out.integer(__text_sink::as_int(nbr_cells));
-    out.put(' ');
-    out.integer(__text_sink::as_int(cells.size()));
-    out.put('\n');
+    out.text("\nCELLS ").integer(__text_sink::as_int(nbr_cells)).put(' ');
+    out.integer(__text_sink::as_int(cells.size())).put('\n');
     unsigned const* p = cells.data();
     unsigned const* end = p + cells.size();
     while (p != end) {
         unsigned count = *p;
-        out.integer(__text_sink::as_int(*p++));
-        out.put(' ');
-        for (unsigned k = 0; k < count && p != end; ++k) {
-            out.integer(__text_sink::as_int(*p++));
-            out.put(' ');
-        }
+        out.integer(__text_sink::as_int(*p++)).put(' ');
+        for (unsigned k = 0; k < count && p != end; ++k) out.integer(__text_sink::as_int(*p++)).put(' ');
         out.put('\n');
     }
 }
 
 void write_cell_types(__text_sink& out, dense1D<unsigned, 8> const& cell_types)
 {
-    out.text("\nCELL_TYPES ");
-    out.integer(__text_sink::as_int(cell_types.size()));
-    out.put('\n');
-    for (unsigned type : cell_types) {
-        out.integer(__text_sink::as_int(type));
-        out.put('\n');
-    }
+    out.text("\nCELL_TYPES ").integer(__text_sink::as_int(cell_types.size())).put('\n');
+    for (unsigned type : cell_types) out.integer(__text_sink::as_int(type)).put('\n');
 }
 
 }  // namespace
