@@ -1,12 +1,12 @@
 #include "tessarium/ensight.h"
 
-#include "exchange/writer_files.h"
+#include "exchange_files.h"
 
 #include <gtest/gtest.h>
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using namespace writer_files;
+using namespace exchange_test;
 
 namespace {
 
@@ -45,7 +45,7 @@ TEST(EnsightOutput, EveryTypeOnePartPerWrittenGroup)
     std::vector<dense2D<unsigned>> groups;
     dense1D<int, 8> FEs;
     for (element_type t : types) {
-        groups.push_back(local_rows(nbr_nodes(t)));
+        groups.push_back(counting(nbr_nodes(t)));
         FEs.push_back(t);
     }
     groups[22] = dense2D<unsigned>();                       // an empty group uses up its number
@@ -98,28 +98,6 @@ TEST(EnsightOutput, CoordinatesCompletedToThree)
                                   "       2 0.00000e+00 5.00000e-01-1.00000e+00\n" +
                                   part(1, "bar2", 1) + fields({1, 1, 2}) + part(2, "bar2", 1) + fields({1, 1, 2}));
 
-    dense1D<int, 8> no_types;
-    ASSERT_EQ(ensight_output(path.c_str(), coords(2, {0.5, 2}), nullptr, nullptr, no_types), 0);
+    ASSERT_EQ(ensight_output(path.c_str(), coords(2, {0.5, 2}), nullptr, nullptr, dense1D<int, 8>()), 0);
     EXPECT_EQ(contents(path), header + fields({1}) + "       1 5.00000e-01 2.00000e+00 0.00000e+00\n");
-}
-
-TEST(EnsightOutput, RefusalsLeaveTheFileCreatedAndEmpty)
-{
-    auto pos = coords(3, {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
-    auto tets = connect(4, {0, 1, 2, 3});
-    dense1D<int, 8> one_type(1, ET_TETRA4);
-    int index = 0;
-    auto check = [&](int code, auto call) {
-        std::string path = temp_path("refused_" + std::to_string(index++) + ".geo");
-        EXPECT_EQ(call(path.c_str()), code);
-        EXPECT_TRUE(exists(path)) << code;
-        EXPECT_EQ(contents(path), "") << code;
-    };
-    check(-2, [&](char const* p) { return ensight_output(p, coords(4, {0, 0, 0, 0}), tets, ET_TETRA4); });
-    check(-2, [&](char const* p) { return ensight_output(p, dense2D<double>(), &tets + 1, &tets, one_type); });
-    check(-4, [&](char const* p) { return ensight_output(p, pos, &tets + 1, &tets, dense1D<int, 8>()); });
-    check(-5, [&](char const* p) { return ensight_output(p, pos, &tets, &tets + 1, dense1D<int, 8>()); });
-    check(-3, [&](char const* p) { return ensight_output(p, pos, tets, local_rows(9), ET_TETRA4, ET_HEXA8); });
-    check(-3, [&](char const* p) { return ensight_output(p, pos, local_rows(5), ET_FACE_MIX); });
-    EXPECT_EQ(ensight_output(unwritable_path().c_str(), pos, tets, ET_TETRA4), -1);
 }

@@ -1,4 +1,4 @@
-#include "exchange/writer_files.h"
+#include "exchange_files.h"
 #include "support/failing_alloc.h"
 #include "tessarium/element_type.h"
 #include "tessarium/sort_elfes.h"
@@ -9,18 +9,11 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using writer_files::connect;
+using namespace exchange_test;
 
 namespace {
 
 constexpr unsigned N = NONE_ID;
-
-std::vector<unsigned> values(dense1D<unsigned, 8> const& a) { return std::vector<unsigned>(a.begin(), a.end()); }
-
-std::vector<unsigned> column(dense2D<unsigned> const& M, std::size_t j)
-{
-    return std::vector<unsigned>(M.col(j), M.col(j) + M.rows());
-}
 
 struct sorted {
     dense1D<unsigned, 8> sizes, ends, new_indices;

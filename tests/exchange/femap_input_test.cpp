@@ -9,8 +9,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using exchange_test::column;
-using exchange_test::values;
+using namespace exchange_test;
 using V = std::vector<unsigned>;
 using P = std::vector<double>;
 using T = std::vector<int>;
@@ -18,7 +17,7 @@ using T = std::vector<int>;
 namespace {
 
 constexpr unsigned X = NONE_ID;
-using neutral = exchange_test::grouped_read;
+using neutral = grouped_read;
 
 neutral read_neutral(std::string const& text)
 {
@@ -152,12 +151,11 @@ TEST(FemapInput, FailedGrowthGivesMinus199)
 
 TEST(FemapInput, FileFormsAndTheirViews)
 {
-    using exchange_test::write_file;
     dense2D<double> pos;
     dense2D<unsigned> M, M1, M2;
-    dense1D<unsigned, 8> indices = exchange_test::array<unsigned>({4}), IDs;
+    dense1D<unsigned, 8> indices = array<unsigned>({4}), IDs;
     dense1D<int, 8> FEs;
-    EXPECT_EQ(FEMAP_input(exchange_test::temp_path("none/x.neu").c_str(), pos, M, indices, FEs, IDs), -1);
+    EXPECT_EQ(FEMAP_input(temp_path("none/x.neu").c_str(), pos, M, indices, FEs, IDs), -1);
     EXPECT_TRUE(indices.empty());
 
     std::string path = write_file("three.neu", "404\n" + record(1, 2, "1,2,3,") + record(2, 2, "2,3,4,") +
@@ -180,7 +178,7 @@ TEST(FemapInput, FileFormsAndTheirViews)
 
 TEST(FemapInput, FilesOfOtherSoftware)
 {
-    std::string dir = exchange_test::corpus_dir("femap");
+    std::string dir = corpus_dir("femap");
     if (dir.empty()) GTEST_SKIP() << "no corpus on this machine";
     auto read = [&](char const* name) {
         neutral f;

@@ -10,8 +10,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using exchange_test::column;
-using exchange_test::values;
+using namespace exchange_test;
 using V = std::vector<unsigned>;
 using P = std::vector<double>;
 using T = std::vector<int>;
@@ -19,7 +18,7 @@ using T = std::vector<int>;
 namespace {
 
 constexpr unsigned X = NONE_ID;
-using deck = exchange_test::grouped_read;
+using deck = grouped_read;
 
 deck read_deck(std::string const& text, std::size_t max_ID = __max_node_ID)
 {
@@ -220,12 +219,11 @@ TEST(NastranInput, HostileLinesAreSurvived)
 
 TEST(NastranInput, FileFormsAndTheirViews)
 {
-    using exchange_test::write_file;
     dense2D<double> pos;
-    dense2D<unsigned> M = exchange_test::matrix<unsigned>(1, {7}), M1, M2;
-    dense1D<unsigned, 8> indices = exchange_test::array<unsigned>({1, 2}), PIDs;
+    dense2D<unsigned> M = matrix<unsigned>(1, {7}), M1, M2;
+    dense1D<unsigned, 8> indices = array<unsigned>({1, 2}), PIDs;
     dense1D<int, 8> FEs;
-    EXPECT_EQ(NASTRAN_input(exchange_test::temp_path("no/such.bdf").c_str(), pos, M, indices, FEs, PIDs), -1);
+    EXPECT_EQ(NASTRAN_input(temp_path("no/such.bdf").c_str(), pos, M, indices, FEs, PIDs), -1);
     EXPECT_TRUE(M.empty() && indices.empty());
 
     // One matrix: FE only for one group.
@@ -253,7 +251,7 @@ TEST(NastranInput, FileFormsAndTheirViews)
 
 TEST(NastranInput, DecksOfOtherSoftware)
 {
-    std::string dir = exchange_test::corpus_dir("nastran");
+    std::string dir = corpus_dir("nastran");
     if (dir.empty()) GTEST_SKIP() << "no corpus on this machine";
     auto read = [&](std::string const& name) {
         deck d;

@@ -5,12 +5,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using exchange_test::array;
-using exchange_test::counting;
-using exchange_test::points;
-using exchange_test::matrix;
-using exchange_test::read_file;
-using exchange_test::temp_path;
+using namespace exchange_test;
 
 namespace {
 
@@ -35,7 +30,7 @@ char const* const elements_head =
 // The element cards of a written deck.
 std::string cards(std::string const& path)
 {
-    std::string text = read_file(path);
+    std::string text = contents(path);
     std::size_t begin = text.find(elements_head), end = text.rfind("ENDDATA\n");
     if (begin == std::string::npos || end == std::string::npos) return "<no deck>";
     begin += std::string(elements_head).size();
@@ -57,7 +52,7 @@ TEST(NastranOutput, WholeDeckOfOneTriangle)
     dense2D<unsigned> tri = matrix<unsigned>(3, {0, 1, 2});
     std::string path = temp_path("triangle.bdf");
     ASSERT_EQ(NASTRAN_output(path.c_str(), pos, tri, ET_FACE_T3), 0);
-    EXPECT_EQ(read_file(path), std::string(deck_head) +
+    EXPECT_EQ(contents(path), std::string(deck_head) +
                                    "GRID*                  1                    0.000000E+00    0.000000E+00*C\n"
                                    "*C          0.000000E+00\n"
                                    "GRID*                  2                    1.500000E+00    0.000000E+00*C\n"
@@ -71,7 +66,7 @@ TEST(NastranOutput, TwoRowCoordinatesGetZeroForZ)
 {
     std::string path = temp_path("flat.bdf");
     ASSERT_EQ(NASTRAN_output(path.c_str(), matrix<double>(2, {-1.0, 2.0}), matrix<unsigned>(1, {0}), ET_NODE), 0);
-    EXPECT_NE(read_file(path).find("GRID*                  1                   -1.000000E+00    2.000000E+00*C\n"
+    EXPECT_NE(contents(path).find("GRID*                  1                   -1.000000E+00    2.000000E+00*C\n"
                                    "*C          0.000000E+00\n"),
               std::string::npos);
 }
@@ -120,7 +115,7 @@ TEST(NastranOutput, NothingToWriteMakesNoFileAndReversedBoundsAnEmptyGroup)
     std::string path = temp_path("nothing.bdf");
     std::remove(path.c_str());
     EXPECT_EQ(NASTRAN_output(path.c_str(), points(4).submatrix(0, 1, 1), dense2D<unsigned>(), ET_FACE_T3), 0);
-    EXPECT_FALSE(exchange_test::file_exists(path));
+    EXPECT_FALSE(exists(path));
     EXPECT_EQ(NASTRAN_output(path.c_str(), points(3), counting(3, 2), array<unsigned>({0, 2, 1}),
                              array<int>({ET_FACE_T3, ET_FACE_T3}), array<unsigned>({1, 1})),
               0);
@@ -143,9 +138,9 @@ TEST(NastranOutput, WrittenDecksReadBack)
         EXPECT_EQ(FE, type);
         ASSERT_EQ(back.rows(), M.rows());
         ASSERT_EQ(back.cols(), 2u);
-        EXPECT_EQ(exchange_test::column(back, 1), exchange_test::column(M, 1)) << type;
+        EXPECT_EQ(column(back, 1), column(M, 1)) << type;
         ASSERT_EQ(read_pos.cols(), 40u);
-        EXPECT_EQ(exchange_test::column(read_pos, 39), std::vector<double>({9.75, 0.5, -156.0}));
+        EXPECT_EQ(column(read_pos, 39), std::vector<double>({9.75, 0.5, -156.0}));
     }
     // The 15-node wedge is read back with its mid-side nodes rotated.
     dense2D<unsigned> back;
@@ -154,6 +149,6 @@ TEST(NastranOutput, WrittenDecksReadBack)
     ASSERT_EQ(NASTRAN_output(path.c_str(), pos, counting(15), ET_WEDGE15), 0);
     ASSERT_EQ(NASTRAN_input(path.c_str(), read_pos, back, FE), 0);
     EXPECT_EQ(FE, ET_WEDGE15);
-    EXPECT_EQ(exchange_test::column(back, 0),
+    EXPECT_EQ(column(back, 0),
               std::vector<unsigned>({0, 1, 2, 3, 4, 5, 8, 6, 7, 11, 9, 10, 13, 14, 12}));
 }

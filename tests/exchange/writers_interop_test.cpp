@@ -1,9 +1,6 @@
 // Files of the writers read back by the readers of other programs, where these are installed.
-#include "tessarium/ensight.h"
-#include "tessarium/medit.h"
-#include "tessarium/vtk.h"
-
-#include "exchange/writer_files.h"
+#include "exchange_files.h"
+#include "tessarium/tessarium.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +12,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using namespace writer_files;
+using namespace exchange_test;
 
 namespace {
 
@@ -175,4 +172,51 @@ TEST(WritersInterop, EnsightReadByVtk)
     counts expected = mesh.expected;
     expected.erase("pyramid");  // no EnSight element
     EXPECT_EQ(found, expected);
+}
+
+TEST(WritersInterop, NastranReadByMeshioAndGmsh)
+{
+    // Two elements of each type, the second one node further on, over 21 nodes that are all used.
+    auto write_deck = [](char const* name, std::vector<std::pair<element_type, char const*>> const& types,
+                         counts& expected) {
+        std::size_t n = types.size();
+        dense2D<double> pos;
+        pos.resize(3, 21, 0.0);
+        for (std::size_t j = 0; j < 21; ++j) pos(0, j) = double(j), pos(1, j) = double(j * j % 7), pos(2, j) = -0.5 * j;
+        dense2D<unsigned> M;
+        M.resize(20, 2 * n, NONE_ID);
+        dense1D<unsigned, 8> indices, PIDs;
+        dense1D<int, 8> FEs;
+        expected = {{"points", 21}};
+        for (std::size_t g = 0; g < n; ++g) {
+            indices.push_back(unsigned(2 * g));
+            FEs.push_back(types[g].first);
+            for (unsigned c = 0; c < 2; ++c) {
+                for (unsigned i = 0; i < nbr_nodes(types[g].first); ++i) M(i, 2 * g + c) = i + c;
+                PIDs.push_back(unsigned(g + 1));
+            }
+            expected[types[g].second] += 2;
+        }
+        indices.push_back(unsigned(2 * n));
+        std::string path = temp_path(name);
+        EXPECT_EQ(NASTRAN_output(path.c_str(), pos, M, indices, FEs, PIDs), 0);
+        return path;
+    };
+    std::vector<std::pair<element_type, char const*>> types = {
+        {ET_EDGE2, "line"},       {ET_FACE_T3, "triangle"}, {ET_FACE_Q4, "quad"},          {ET_FACE_T6, "triangle6"},
+        {ET_FACE_Q8, "quad8"},    {ET_TETRA4, "tetra"},     {ET_TETRA10, "tetra10"},       {ET_PYRAMID5, "pyramid"},
+        {ET_WEDGE6, "wedge"},     {ET_HEXA8, "hexahedron"}, {ET_HEXA20, "hexahedron20"}};
+    counts expected, found;
+    std::string path = write_deck("meshio.bdf", types, expected);
+    bool meshio = read_back("meshio", path, found);
+    if (meshio) { EXPECT_EQ(found, expected); }
+    // This meshio knows no 13-node pyramid and no 15-node wedge; gmsh keeps the corners of the
+    // pyramid.
+    types.push_back({ET_PYRAMID13, "pyramid"});
+    types.push_back({ET_WEDGE15, "wedge15"});
+    path = write_deck("gmsh.bdf", types, expected);
+    found.clear();
+    bool gmsh = read_back("gmsh", path, found);
+    if (gmsh) { EXPECT_EQ(found, expected); }
+    if (!meshio && !gmsh) GTEST_SKIP() << "neither meshio nor gmsh is installed";
 }
