@@ -38,21 +38,6 @@ std::string record(int value, int topology, std::string const& slots1, std::stri
 
 }  // namespace
 
-TEST(FemapInput, LineHelpers)
-{
-    std::vector<std::string> words = {"old", "old", "old", "old", "old", "old"};
-    __get_words(" 1, a b ,,x,", words);
-    EXPECT_EQ(words, std::vector<std::string>({" 1", " a b ", "x"}));
-    std::string text = " 4\t0 3 \r";
-    EXPECT_EQ(__remove_spaces(text), "4\t03\r");
-    std::istringstream in("a\nb\nc\nd");
-    __skip_lines(in, 2);
-    std::getline(in, text);
-    EXPECT_EQ(text, "c");
-    __skip_lines(in, 5);
-    EXPECT_FALSE(std::getline(in, text));
-}
-
 TEST(FemapInput, NodeRecordsFollowTheirIDs)
 {
     neutral none = read_neutral("   -1\n   100\n<NULL>\n4030\n\t403\n   -1\n");
