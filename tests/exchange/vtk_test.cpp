@@ -115,27 +115,17 @@ TEST(VtkOutput, MixedGroupsLargestNodeCountFirst)
     auto solids = mixed_solids();
     std::string path = temp_path("mixed.vtk");
     ASSERT_EQ(vtk_output(path.c_str(), cube_and_apex(), solids, mixed_faces(), ET_SOLID_MIX, ET_FACE_MIX), 0);
-    EXPECT_EQ(contents(path), header +
-                                  "\nPOINTS 9 double\n"
-                                  "0.000000 0.000000 0.000000\n"
-                                  "1.000000 0.000000 0.000000\n"
-                                  "1.000000 1.000000 0.000000\n"
-                                  "0.000000 1.000000 0.000000\n"
-                                  "0.000000 0.000000 1.000000\n"
-                                  "1.000000 0.000000 1.000000\n"
-                                  "1.000000 1.000000 1.000000\n"
-                                  "0.000000 1.000000 1.000000\n"
-                                  "0.500000 0.500000 2.000000\n"
-                                  "\nCELLS 8 45\n"
-                                  "8 0 1 2 3 4 5 6 7 \n"
-                                  "6 0 1 2 4 5 6 \n"
-                                  "5 0 1 2 3 8 \n"
-                                  "4 0 1 4 2 \n"
-                                  "4 1 2 8 3 \n"
-                                  "4 4 5 6 7 \n"
-                                  "3 0 1 2 \n"
-                                  "3 5 6 7 \n"
-                                  "\nCELL_TYPES 8\n12\n13\n14\n10\n10\n9\n5\n5\n");
+    std::string text = contents(path);
+    EXPECT_EQ(text.substr(text.find("\nCELLS")), "\nCELLS 8 45\n"
+                                                 "8 0 1 2 3 4 5 6 7 \n"
+                                                 "6 0 1 2 4 5 6 \n"
+                                                 "5 0 1 2 3 8 \n"
+                                                 "4 0 1 4 2 \n"
+                                                 "4 1 2 8 3 \n"
+                                                 "4 4 5 6 7 \n"
+                                                 "3 0 1 2 \n"
+                                                 "3 5 6 7 \n"
+                                                 "\nCELL_TYPES 8\n12\n13\n14\n10\n10\n9\n5\n5\n");
     EXPECT_EQ(solids(4, 0), N);  // the caller's matrix keeps its order
 }
 
