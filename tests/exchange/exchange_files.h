@@ -1,6 +1,8 @@
 // Files, arrays and meshes for the tests of the format readers and writers.
 #pragma once
 
+#include "exchange/node_columns.h"
+#include "support/failing_alloc.h"
 #include "tessarium/dense1D.h"
 #include "tessarium/dense2D.h"
 #include "tessarium/element_type.h"
@@ -155,6 +157,12 @@ inline qv7::dense2D<unsigned> mixed_faces()
     return connect(4, {0, 1, 2, N, 4, 5, 6, 7, 5, 6, 7, N});
 }
 
+// ---- readers ----
+
+using V = std::vector<unsigned>;
+using P = std::vector<double>;
+using T = std::vector<int>;
+
 // The results of a reader's common form.
 struct grouped_read {
     qv7::dense2D<double> pos;
@@ -164,5 +172,46 @@ struct grouped_read {
     qv7::dense1D<unsigned, 8> per_element;  // property IDs or record values
     int result = 0;
 };
+
+using stream_reader = int (*)(std::istream&, qv7::dense2D<double>&, qv7::dense2D<unsigned>&,
+                              qv7::dense1D<unsigned, 8>&, qv7::dense1D<int, 8>&, qv7::dense1D<unsigned, 8>&,
+                              std::size_t);
+using file_reader = int (*)(char const*, qv7::dense2D<double>&, qv7::dense2D<unsigned>&, qv7::dense1D<unsigned, 8>&,
+                            qv7::dense1D<int, 8>&, qv7::dense1D<unsigned, 8>&);
+
+inline grouped_read read_text(stream_reader read, std::string const& text,
+                              std::size_t max_ID = qv7::tessarium::__max_node_ID)
+{
+    grouped_read r;
+    std::istringstream in(text);
+    r.result = read(in, r.pos, r.connectM, r.indices, r.FEs, r.per_element, max_ID);
+    return r;
+}
+
+inline grouped_read read_path(file_reader read, std::string const& path)
+{
+    grouped_read r;
+    r.result = read(path.c_str(), r.pos, r.connectM, r.indices, r.FEs, r.per_element);
+    return r;
+}
+
+// ---- allocation failures ----
+
+// Runs `call` with the library's allocator failing after 0, 1, 2, ... successes until it returns
+// 0, expecting -199 from every failed run; returns the number of failed runs.
+template <class Call>
+std::size_t failed_runs_before_success(Call call)
+{
+    for (std::size_t successes = 0;; ++successes) {
+        int code;
+        {
+            test_alloc::failing_scope guard(successes);
+            code = call();
+        }
+        if (code == 0) return successes;
+        EXPECT_EQ(code, -199) << "after " << successes << " allocations";
+        if (code != -199) return successes;
+    }
+}
 
 }  // namespace exchange_test

@@ -10,7 +10,6 @@
 using namespace qv7;
 using namespace qv7::tessarium;
 using namespace exchange_test;
-using V = std::vector<unsigned>;
 
 namespace {
 
