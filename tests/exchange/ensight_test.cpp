@@ -38,21 +38,16 @@ std::string const two_nodes = header + fields({2}) +
 
 TEST(EnsightOutput, EveryTypeOnePartPerWrittenGroup)
 {
-    element_type const types[] = {ET_EDGE2,     ET_EDGE3,   ET_FACE_T3,  ET_FACE_Q4,  ET_FACE_T6,  ET_FACE_Q8,
-                                  ET_FACE_Q9,   ET_TETRA4,  ET_TETRA10,  ET_PYRAMID5, ET_PYRAMID13, ET_PYRAMID14,
-                                  ET_WEDGE6,    ET_WEDGE15, ET_WEDGE18,  ET_HEXA8,    ET_HEXA20,   ET_HEXA27,
-                                  ET_NODE,      ET_EDGE_MIX, ET_FACE_MIX, ET_SOLID_MIX, ET_TETRA4, ET_TETRA4};
-    std::vector<dense2D<unsigned>> groups;
-    dense1D<int, 8> FEs;
-    for (element_type t : types) {
-        groups.push_back(counting(nbr_nodes(t)));
-        FEs.push_back(t);
-    }
-    groups[22] = dense2D<unsigned>();                       // an empty group uses up its number
-    groups[23] = connect(4, {0, 1, 2, 3, 4, 5, 6, 7});      // element numbers restart in each part
+    typed_groups all = one_element_per_type({ET_EDGE2, ET_EDGE3, ET_FACE_T3, ET_FACE_Q4, ET_FACE_T6, ET_FACE_Q8,
+                                             ET_FACE_Q9, ET_TETRA4, ET_TETRA10, ET_PYRAMID5, ET_PYRAMID13,
+                                             ET_PYRAMID14, ET_WEDGE6, ET_WEDGE15, ET_WEDGE18, ET_HEXA8,
+                                             ET_HEXA20, ET_HEXA27, ET_NODE, ET_EDGE_MIX, ET_FACE_MIX,
+                                             ET_SOLID_MIX, ET_TETRA4, ET_TETRA4});
+    all.groups[22] = dense2D<unsigned>();                   // an empty group uses up its number
+    all.groups[23] = connect(4, {0, 1, 2, 3, 4, 5, 6, 7});  // element numbers restart in each part
     // Node indices are not bounded here: 27 rows over two nodes pass.
     std::string path = temp_path("all_types.geo");
-    ASSERT_EQ(ensight_output(path.c_str(), coords(1, {1, -2.5}), groups.data(), groups.data() + groups.size(), FEs), 0);
+    ASSERT_EQ(ensight_output(path.c_str(), coords(1, {1, -2.5}), all.first(), all.last(), all.FEs), 0);
     EXPECT_EQ(contents(path), two_nodes +                                                                   //
                                   part(1, "bar2", 1) + fields({1, 1, 2}) +                                  //
                                   part(2, "bar3", 1) + fields({1, 1, 2, 3}) +                               //

@@ -116,6 +116,25 @@ inline qv7::dense2D<unsigned> counting(std::size_t rows, std::size_t cols = 1)
 
 // ---- meshes ----
 
+// One group per type, of one element whose nodes are its local rows (no element for ET_NONE):
+// the written nodes show which local rows a writer takes.
+struct typed_groups {
+    std::vector<qv7::dense2D<unsigned>> groups;
+    qv7::dense1D<int, 8> FEs;
+    qv7::dense2D<unsigned> const* first() const { return groups.data(); }
+    qv7::dense2D<unsigned> const* last() const { return groups.data() + groups.size(); }
+};
+
+inline typed_groups one_element_per_type(std::vector<qv7::element_type> const& types)
+{
+    typed_groups t;
+    for (qv7::element_type type : types) {
+        t.groups.push_back(type == qv7::ET_NONE ? qv7::dense2D<unsigned>() : counting(qv7::tessarium::nbr_nodes(type)));
+        t.FEs.push_back(type);
+    }
+    return t;
+}
+
 // n nodes of 3 coordinates, all 0.5.
 inline qv7::dense2D<double> points(std::size_t n)
 {

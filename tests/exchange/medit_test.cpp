@@ -57,18 +57,13 @@ TEST(MeditOutput, EveryTypeBySectionsOfExactType)
     // Groups in descending type order; each element holds its local row numbers as nodes, so the
     // written nodes show the local rows taken. References are the group places. Types without an
     // entity write nothing.
-    element_type const types[] = {ET_HEXA27,   ET_HEXA20,   ET_HEXA8,   ET_WEDGE18, ET_WEDGE15, ET_WEDGE6,  ET_PYRAMID14,
-                                  ET_PYRAMID13, ET_PYRAMID5, ET_TETRA10, ET_TETRA4,  ET_FACE_Q9, ET_FACE_Q8, ET_FACE_T6,
-                                  ET_FACE_Q4,  ET_FACE_T3,  ET_EDGE3,   ET_EDGE2,   ET_NODE,    ET_EDGE_MIX, ET_NONE};
-    std::vector<dense2D<unsigned>> groups;
-    dense1D<int, 8> FEs;
-    for (element_type t : types) {
-        groups.push_back(t == ET_NONE ? dense2D<unsigned>() : counting(nbr_nodes(t)));
-        FEs.push_back(t);
-    }
+    typed_groups all = one_element_per_type({ET_HEXA27, ET_HEXA20, ET_HEXA8, ET_WEDGE18, ET_WEDGE15, ET_WEDGE6,
+                                             ET_PYRAMID14, ET_PYRAMID13, ET_PYRAMID5, ET_TETRA10, ET_TETRA4,
+                                             ET_FACE_Q9, ET_FACE_Q8, ET_FACE_T6, ET_FACE_Q4, ET_FACE_T3,
+                                             ET_EDGE3, ET_EDGE2, ET_NODE, ET_EDGE_MIX, ET_NONE});
     auto pos = line_of_nodes(1, 27);
     std::string path = temp_path("all_types.mesh");
-    ASSERT_EQ(medit_output(path.c_str(), pos, groups.data(), groups.data() + groups.size(), FEs), 0);
+    ASSERT_EQ(medit_output(path.c_str(), pos, all.first(), all.last(), all.FEs), 0);
     EXPECT_EQ(contents(path), header(1) + vertices_of_line(27) +
                                   "Edges\n1\n1 2 17 \n\n"
                                   "Edges\n1\n1 2 16 \n\n"

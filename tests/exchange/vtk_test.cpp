@@ -77,17 +77,11 @@ TEST(VtkConvert, RefusedShapesTypesWithoutCellAndNoMemory)
 
 TEST(VtkOutput, EveryTypeWithItsPolyVertexCell)
 {
-    element_type const types[] = {ET_EDGE2,    ET_EDGE3,  ET_FACE_T3,  ET_FACE_Q4,   ET_FACE_T6, ET_FACE_Q8,
-                                  ET_FACE_Q9,  ET_TETRA4, ET_TETRA10,  ET_PYRAMID5,  ET_PYRAMID14,
-                                  ET_WEDGE6,   ET_WEDGE18, ET_HEXA8,   ET_HEXA20,    ET_HEXA27,  ET_NONE};
-    std::vector<dense2D<unsigned>> groups;
-    dense1D<int, 8> FEs;
-    for (element_type t : types) {
-        groups.push_back(t == ET_NONE ? dense2D<unsigned>() : counting(nbr_nodes(t)));
-        FEs.push_back(t);
-    }
+    typed_groups all = one_element_per_type({ET_EDGE2, ET_EDGE3, ET_FACE_T3, ET_FACE_Q4, ET_FACE_T6, ET_FACE_Q8,
+                                             ET_FACE_Q9, ET_TETRA4, ET_TETRA10, ET_PYRAMID5, ET_PYRAMID14,
+                                             ET_WEDGE6, ET_WEDGE18, ET_HEXA8, ET_HEXA20, ET_HEXA27, ET_NONE});
     std::string path = temp_path("all_types.vtk");
-    ASSERT_EQ(vtk_output(path.c_str(), line_of_nodes(2, 27), groups.data(), groups.data() + groups.size(), FEs), 0);
+    ASSERT_EQ(vtk_output(path.c_str(), line_of_nodes(2, 27), all.first(), all.last(), all.FEs), 0);
     EXPECT_EQ(contents(path), header + points_of_line(27) +
                                   "\nCELLS 25 172\n"
                                   "2 0 1 \n"
