@@ -1,34 +1,10 @@
 #include "exchange/text_sink.h"
 
-#include <charconv>
 #include <cmath>
 
 namespace qv7 {
 namespace tessarium {
 namespace {
-
-// Decimal digits of v written backwards ending at `end`; returns the first digit.
-template <class Unsigned>
-char* digits_before(char* end, Unsigned v) noexcept
-{
-    static constexpr char pairs[] =
-        "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
-        "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
-        "8081828384858687888990919293949596979899";
-    while (v >= 100) {
-        unsigned r = static_cast<unsigned>(v % 100) * 2;
-        v /= 100;
-        *--end = pairs[r + 1];
-        *--end = pairs[r];
-    }
-    if (v >= 10) {
-        *--end = pairs[v * 2 + 1];
-        *--end = pairs[v * 2];
-    } else {
-        *--end = static_cast<char>('0' + v);
-    }
-    return end;
-}
 
 std::chars_format form_of(char conversion) noexcept
 {
@@ -47,45 +23,19 @@ void __text_sink::flush() noexcept
     used_ = 0;
 }
 
-__text_sink& __text_sink::text(char const* s, std::size_t n) noexcept
+__text_sink& __text_sink::long_text(char const* s, std::size_t n) noexcept
 {
-    if (n > capacity) {
-        flush();
-        std::fwrite(s, 1, n, stream_);
-        return *this;
-    }
-    std::memcpy(reserve(n), s, n);
-    used_ += n;
+    flush();
+    std::fwrite(s, 1, n, stream_);
     return *this;
 }
 
-template <class Unsigned>
-void __text_sink::digits(Unsigned magnitude, bool negative, unsigned width) noexcept
+std::size_t __text_sink::pad(char* start, std::size_t length, unsigned width) noexcept
 {
-    char scratch[24];
-    char* end = scratch + sizeof scratch;
-    char* first = digits_before(end, magnitude);
-    if (negative) *--first = '-';
-    std::size_t length = static_cast<std::size_t>(end - first);
-    char* out = reserve(width + length);
-    std::size_t pad = width > length ? width - length : 0;
-    std::memset(out, ' ', pad);
-    std::memcpy(out + pad, first, length);
-    used_ += pad + length;
-}
-
-template void __text_sink::digits(unsigned, bool, unsigned) noexcept;
-template void __text_sink::digits(unsigned long, bool, unsigned) noexcept;
-
-void __text_sink::pad_and_commit(char* start, std::size_t length, unsigned width) noexcept
-{
-    if (length < width) {
-        std::size_t pad = width - length;
-        std::memmove(start + pad, start, length);
-        std::memset(start, ' ', pad);
-        length = width;
-    }
-    used_ += length;
+    std::size_t blanks = width - length;
+    std::memmove(start + blanks, start, length);
+    std::memset(start, ' ', blanks);
+    return width;
 }
 
 __text_sink& __text_sink::real(double value, char conversion, int precision, unsigned width) noexcept

@@ -3,6 +3,7 @@
 // format string being parsed for every number.
 #pragma once
 
+#include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -21,7 +22,13 @@ public:
     // Hands what is buffered to the stream; the stream's own buffering and errors are its business.
     void flush() noexcept;
 
-    __text_sink& text(char const* s, std::size_t n) noexcept;
+    __text_sink& text(char const* s, std::size_t n) noexcept
+    {
+        if (n > capacity) return long_text(s, n);
+        std::memcpy(reserve(n), s, n);
+        used_ += n;
+        return *this;
+    }
     __text_sink& text(char const* s) noexcept { return text(s, std::strlen(s)); }
     __text_sink& put(char c) noexcept
     {
@@ -36,14 +43,8 @@ public:
     __text_sink& integer(Int value, unsigned width = 0) noexcept
     {
         static_assert(std::is_integral<Int>::value, "an integer type");
-        using magnitude_type = std::conditional_t<(sizeof(Int) <= sizeof(unsigned)), unsigned, unsigned long>;
-        auto magnitude = static_cast<magnitude_type>(value);
-        bool negative = false;
-        if constexpr (std::is_signed<Int>::value) {
-            negative = value < 0;
-            if (negative) magnitude = 0 - magnitude;
-        }
-        digits(magnitude, negative, width);
+        char* out = reserve(width + integer_room);
+        pad_and_commit(out, static_cast<std::size_t>(std::to_chars(out, out + integer_room, value).ptr - out), width);
         return *this;
     }
     // "%*.*E" when `upper`, else "%*.*e".
@@ -61,6 +62,7 @@ public:
 
 private:
     static constexpr std::size_t capacity = 1 << 16;
+    static constexpr std::size_t integer_room = 24;
     // Room that one number of any of the forms above may take ("%f" of the largest double
     // has 309 digits before the point).
     static constexpr std::size_t number_room = 400;
@@ -70,11 +72,16 @@ private:
         if (capacity - used_ < n) flush();
         return buffer_ + used_;
     }
-    template <class Unsigned>
-    void digits(Unsigned magnitude, bool negative, unsigned width) noexcept;
+    // Commits the `length` characters at `start`, right-aligned in at least `width`.
+    void pad_and_commit(char* start, std::size_t length, unsigned width) noexcept
+    {
+        if (length < width) length = pad(start, length, width);
+        used_ += length;
+    }
+    std::size_t pad(char* start, std::size_t length, unsigned width) noexcept;
+    __text_sink& long_text(char const* s, std::size_t n) noexcept;
     // `conversion` is the printf letter: 'e', 'E', 'f' or 'g'.
     __text_sink& real(double value, char conversion, int precision, unsigned width) noexcept;
-    void pad_and_commit(char* start, std::size_t length, unsigned width) noexcept;
 
     std::FILE* stream_;
     std::size_t used_ = 0;
