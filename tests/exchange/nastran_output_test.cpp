@@ -116,34 +116,3 @@ TEST(NastranOutput, NothingToWriteMakesNoFileAndReversedBoundsAnEmptyGroup)
               0);
     EXPECT_EQ(cards(path), "CTRIA3,1,1,1,2,3\nCTRIA3,2,1,4,5,6\n");
 }
-
-TEST(NastranOutput, WrittenDecksReadBack)
-{
-    element_type const types[] = {ET_EDGE2,    ET_FACE_T3,   ET_FACE_Q4, ET_FACE_T6, ET_FACE_Q8, ET_TETRA4,
-                                  ET_TETRA10, ET_PYRAMID5, ET_PYRAMID13, ET_WEDGE6, ET_HEXA8,   ET_HEXA20};
-    dense2D<double> pos = points(40);
-    for (std::size_t j = 0; j < 40; ++j) pos(0, j) = 0.25 * double(j), pos(2, j) = -4.0 * double(j);
-    std::string path = temp_path("round.bdf");
-    for (element_type type : types) {
-        dense2D<unsigned> M = counting(nbr_nodes(type), 2), back;
-        dense2D<double> read_pos;
-        element_type FE = ET_NONE;
-        ASSERT_EQ(NASTRAN_output(path.c_str(), pos, M, type), 0);
-        ASSERT_EQ(NASTRAN_input(path.c_str(), read_pos, back, FE), 0) << type;
-        EXPECT_EQ(FE, type);
-        ASSERT_EQ(back.rows(), M.rows());
-        ASSERT_EQ(back.cols(), 2u);
-        EXPECT_EQ(column(back, 1), column(M, 1)) << type;
-        ASSERT_EQ(read_pos.cols(), 40u);
-        EXPECT_EQ(column(read_pos, 39), std::vector<double>({9.75, 0.5, -156.0}));
-    }
-    // The 15-node wedge is read back with its mid-side nodes rotated.
-    dense2D<unsigned> back;
-    dense2D<double> read_pos;
-    element_type FE = ET_NONE;
-    ASSERT_EQ(NASTRAN_output(path.c_str(), pos, counting(15), ET_WEDGE15), 0);
-    ASSERT_EQ(NASTRAN_input(path.c_str(), read_pos, back, FE), 0);
-    EXPECT_EQ(FE, ET_WEDGE15);
-    EXPECT_EQ(column(back, 0),
-              std::vector<unsigned>({0, 1, 2, 3, 4, 5, 8, 6, 7, 11, 9, 10, 13, 14, 12}));
-}
