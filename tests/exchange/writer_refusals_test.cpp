@@ -106,14 +106,21 @@ TEST(WriterRefusals, EveryFailedAllocationGivesMinus199AndLeaksNothing)
 {
     dense2D<double> pos = cube_and_apex();
     dense2D<unsigned> solids = mixed_solids(), faces = mixed_faces();
-    auto medit = [&](char const* p) { return medit_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); };
-    auto vtk = [&](char const* p) { return vtk_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); };
-    auto ensight = [&](char const* p) { return ensight_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); };
-    auto nastran = [&](char const* p) { return NASTRAN_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); };
-    auto femap = [&](char const* p) { return FEMAP_output(p, pos, solids, ET_SOLID_MIX); };
+    std::vector<std::function<int(char const*)>> const writes = {
+        [&](char const* p) { return medit_output(p, pos, solids, ET_SOLID_MIX); },
+        [&](char const* p) { return medit_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); },
+        [&](char const* p) { return vtk_output(p, pos, solids, ET_SOLID_MIX); },
+        [&](char const* p) { return vtk_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); },
+        [&](char const* p) { return ensight_output(p, pos, faces, ET_FACE_MIX); },
+        [&](char const* p) { return ensight_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); },
+        [&](char const* p) { return NASTRAN_output(p, pos, solids, ET_SOLID_MIX); },
+        [&](char const* p) { return NASTRAN_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); },
+        [&](char const* p) { return FEMAP_output(p, pos, faces, ET_FACE_MIX); },
+        [&](char const* p) { return FEMAP_output(p, pos, solids, faces, ET_SOLID_MIX, ET_FACE_MIX); },
+    };
     std::string path = temp_path("failing.out");
     long blocks = test_alloc::live_blocks();
-    for (auto const& write : std::vector<std::function<int(char const*)>>{medit, vtk, ensight, nastran, femap}) {
+    for (auto const& write : writes) {
         EXPECT_GT(failed_runs_before_success([&] { return write(path.c_str()); }), 0u);
         EXPECT_EQ(test_alloc::live_blocks(), blocks);
     }
