@@ -5,7 +5,8 @@
 //   EnSight  -1 open; -2 pos not of 1 to 3 rows, -4, -5, -3 shapes only
 //   NASTRAN  0 and no file when connectM is empty; -1 open; then the grouped checks below
 //   FEMAP    the file is opened first; 0 when connectM is empty; -1 open; the grouped checks
-// A file opened before a refusal is left created, empty and open.
+// After a refusal VTK, EnSight and NASTRAN leave the file they opened created, empty and open;
+// FEMAP closes it.
 #pragma once
 
 #include "tessarium/dense1D.h"

@@ -31,7 +31,8 @@ constexpr char const* elements_head =
     "$                 ELEMENTS               \n"
     "$----------------------------------------\n";
 
-// Two lines per node, the ID being the column plus 1; a 2-row pos has z = 0.
+// Two lines per node, "GRID*   %16d                %16E%16E*C" and "*C      %16E", the ID being
+// the column plus 1; a 2-row pos has z = 0.
 void write_grids(dense2D<double> const& pos, __text_sink& out)
 {
     for (std::size_t j = 0; j < pos.cols(); ++j) {
