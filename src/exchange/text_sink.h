@@ -44,7 +44,16 @@ public:
     {
         static_assert(std::is_integral<Int>::value, "an integer type");
         char* out = reserve(width + integer_room);
-        pad_and_commit(out, static_cast<std::size_t>(std::to_chars(out, out + integer_room, value).ptr - out), width);
+        if (width == 0) {
+            used_ += static_cast<std::size_t>(std::to_chars(out, out + integer_room, value).ptr - out);
+            return *this;
+        }
+        char digits[integer_room];
+        auto length = static_cast<std::size_t>(std::to_chars(digits, digits + integer_room, value).ptr - digits);
+        std::size_t blanks = width > length ? width - length : 0;
+        std::memset(out, ' ', blanks);
+        std::memcpy(out + blanks, digits, length);
+        used_ += blanks + length;
         return *this;
     }
     // "%*.*E" when `upper`, else "%*.*e".
