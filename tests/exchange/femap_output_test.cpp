@@ -121,11 +121,3 @@ TEST(FemapOutput, TwoMatricesTakeTheColumnCountsAsBounds)
     EXPECT_EQ(record_count(block), 3u);  // (0, 3, 2): no triangle at all
     EXPECT_EQ(block.find("17,2,1"), std::string::npos);
 }
-
-TEST(FemapOutput, NothingToWriteLeavesAnEmptyFile)
-{
-    std::string path = temp_path("nothing.neu");
-    std::ofstream(path) << "old";
-    EXPECT_EQ(FEMAP_output(path.c_str(), points(3).submatrix(0, 3, 1), dense2D<unsigned>(), ET_FACE_T3), 0);
-    EXPECT_EQ(contents(path), "");
-}

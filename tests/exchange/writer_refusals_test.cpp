@@ -100,6 +100,13 @@ TEST(WriterRefusals, GroupedFormsInOneOrderLeaveAnEmptyFile)
                         array<int>({ET_FACE_T3}), array<unsigned>({1})),
                   -1);
     }
+    // Nothing to write: NASTRAN makes no file, FEMAP empties the one it opens first.
+    std::string nothing = temp_path("nothing.out");
+    EXPECT_EQ(NASTRAN_output(nothing.c_str(), points(4).submatrix(0, 1, 1), dense2D<unsigned>(), ET_FACE_T3), 0);
+    EXPECT_FALSE(exists(nothing));
+    std::ofstream(nothing) << "old";
+    EXPECT_EQ(FEMAP_output(nothing.c_str(), points(3).submatrix(0, 3, 1), dense2D<unsigned>(), ET_FACE_T3), 0);
+    EXPECT_EQ(contents(nothing), "");
 }
 
 TEST(WriterRefusals, EveryFailedAllocationGivesMinus199AndLeaksNothing)
