@@ -13,7 +13,7 @@ using qv7::tessarium::simplify;
 
 TEST(Simplify, UnusedNodesGoAndTheOthersMoveDown)
 {
-    dense2D<double> pos = nodes(6, 2);
+    dense2D<double> pos = matrix<double>(2, 6, {0, 0, 1, 10, 2, 20, 3, 30, 4, 40, 5, 50});
     dense2D<unsigned> tris = matrix<unsigned>(3, 2, {1, 2, 4, 4, 2, NONE_ID});
     dense1D<unsigned, 8> IDs;
     EXPECT_EQ(simplify(pos, tris, IDs, 0), 3);
@@ -27,7 +27,7 @@ TEST(Simplify, UnusedNodesGoAndTheOthersMoveDown)
 
 TEST(Simplify, ProtectedPrefixStaysUsedOrNot)
 {
-    dense2D<double> pos = nodes(5, 2);
+    dense2D<double> pos = matrix<double>(2, 5, {0, 0, 1, 10, 2, 20, 3, 30, 4, 40});
     dense2D<unsigned> edges = matrix<unsigned>(2, 1, {4, 2});
     dense1D<unsigned, 8> IDs;
     EXPECT_EQ(simplify(pos, edges, IDs, 2), 1);
@@ -43,7 +43,7 @@ TEST(Simplify, ProtectedPrefixStaysUsedOrNot)
 
 TEST(Simplify, RefusalsAndExhaustionChangeNothing)
 {
-    dense2D<double> pos = nodes(4, 2);
+    dense2D<double> pos = matrix<double>(2, 4, {0, 0, 1, 10, 2, 20, 3, 30});
     dense2D<unsigned> good = matrix<unsigned>(2, 1, {3, 1}), bad = matrix<unsigned>(2, 1, {0, 4});
     dense1D<unsigned, 8> IDs = list({7u});
     EXPECT_EQ(simplify(pos, good, bad, 0), -2);
