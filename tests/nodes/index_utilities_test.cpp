@@ -2,7 +2,6 @@
 #include "tessarium/index_utilities.h"
 
 #include "node_arrays.h"
-#include "support/failing_alloc.h"
 
 #include <gtest/gtest.h>
 
@@ -142,14 +141,6 @@ TEST(GetSortedOrder, MatchesAStableSortOfPositions)
     ASSERT_EQ(offsets.size(), ts::max_ID(vals) + 2u);
     for (unsigned v = 0; v + 1 < offsets.size(); ++v)
         for (unsigned k = offsets[v]; k < offsets[v + 1]; ++k) ASSERT_EQ(vals[order[k]], v);
-}
-
-// What f returns when every array allocation after the first k fails.
-template <class F>
-int failing_after(std::size_t k, F f)
-{
-    test_alloc::failing_scope guard(k);
-    return f();
 }
 
 TEST(IndexArrays, ExhaustedMemoryGivesMinus199)

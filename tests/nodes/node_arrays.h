@@ -4,6 +4,8 @@
 #include "tessarium/dense2D.h"
 #include "tessarium/element_type.h"
 
+#include "support/failing_alloc.h"
+
 #include <gtest/gtest.h>
 
 #include <initializer_list>
@@ -51,6 +53,14 @@ inline void expect_near(D const& got, D const& want, double tol = 1e-14)
 {
     ASSERT_EQ(got.size(), want.size());
     for (std::size_t k = 0; k < got.size(); ++k) EXPECT_NEAR(got[k], want[k], tol) << k;
+}
+
+// What f returns when every array allocation after the first k fails.
+template <class F>
+int failing_after(std::size_t k, F f)
+{
+    test_alloc::failing_scope guard(k);
+    return f();
 }
 
 }  // namespace node_arrays

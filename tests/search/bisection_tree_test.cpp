@@ -11,12 +11,9 @@
 #include <random>
 #include <vector>
 
-using node_arrays::matrix;
-using node_arrays::values;
+using namespace node_arrays;
 using qv7::dense1D;
 using qv7::dense2D;
-using qv7::NONE_ID;
-using V = std::vector<unsigned>;
 
 namespace {
 
@@ -97,7 +94,7 @@ void check_against_brute_force(unsigned n, int extent, unsigned seed)
         unsigned excluded = q % n;
         ASSERT_EQ(tree.find_closest(p), expected_closest(tree, p.v, NONE_ID)) << q;
         ASSERT_EQ(tree.find_closest_if(p, not_node({}, excluded)), expected_closest(tree, p.v, excluded)) << q;
-        dense1D<unsigned, 8> found = node_arrays::list({77u});  // appended to, never cleared
+        dense1D<unsigned, 8> found = list({77u});  // appended to, never cleared
         tree.__search1(box, 0, 0, std::back_inserter(found));
         V expected{77};
         for (unsigned v : left_first) {
