@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <iterator>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -20,14 +21,6 @@ namespace {
 template <unsigned D>
 using tree_t = qv7::bisection_tree<dense2D<double>, D>;
 using not_node = qv7::binder2nd<std::not_equal_to<unsigned>>;
-
-template <unsigned D>
-void fill(tree_t<D>& tree, unsigned n)
-{
-    dense1D<unsigned, 8> all(n), scratch;
-    for (unsigned i = 0; i < n; ++i) all[i] = i;
-    ASSERT_EQ(qv7::__insert_shuffled(tree, all, scratch), n);
-}
 
 // Records in the order: record, the subtree on side `first` (1 left, 2 right), the other one.
 template <unsigned D>
@@ -82,7 +75,9 @@ void check_against_brute_force(unsigned n, int extent, unsigned seed)
     tree_t<D> tree(&pos);
     tree.__reserve(n);
     auto* block = tree.nodes.items.storage();
-    fill(tree, n);
+    dense1D<unsigned, 8> all(n), scratch;
+    std::iota(all.begin(), all.end(), 0u);
+    ASSERT_EQ(qv7::__insert_shuffled(tree, all, scratch), n);
     ASSERT_EQ(tree.nodes.items.storage(), block);  // no reallocation while inserting
     V left_first;
     walk(tree, 0, 1, left_first);

@@ -6,9 +6,11 @@
 
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <numeric>
 #include <random>
+#include <utility>
 
 using namespace node_arrays;
 using qv7::dense2D;
@@ -17,27 +19,17 @@ using IDs = qv7::dense1D<unsigned, 8>;
 
 namespace {
 
-dense2D<double> on_x_axis(std::initializer_list<double> xs)
-{
-    dense2D<double> pos;
-    pos.resize(2, xs.size(), 0.0);
-    for (std::size_t j = 0; j < xs.size(); ++j) pos(0, j) = xs.begin()[j];
-    return pos;
-}
-
 double const inf = std::numeric_limits<double>::infinity(), NaN = std::numeric_limits<double>::quiet_NaN();
 
-struct refusal {
-    int code;
-    std::function<int()> call;
-};
+using refusal = std::pair<int, std::function<int()>>;  // code, call
 
 }  // namespace
 
 TEST(MergeList, FirstListedSurvivesWithinAnInclusiveTolerance)
 {
+    // Nodes on the x axis. The first listed survives, not the lowest number.
     IDs merged;
-    EXPECT_EQ(merge(on_x_axis({0.0, 0.5}), list({1u, NONE_ID, 1u, 0u}), merged, 1.0), 1);  // not the lowest number
+    EXPECT_EQ(merge(matrix<double>(2, 2, {0, 0, 0.5, 0}), list({1u, NONE_ID, 1u, 0u}), merged, 1.0), 1);
     EXPECT_EQ(values(merged), (V{1, 1}));
     dense2D<double> pos = matrix<double>(3, 3, {0, 0, 0, 3, 4, 0, 0, 0, 0});  // 3-4-5 triangle
     EXPECT_EQ(merge(pos, list({0u, 1u}), merged, 5.0), 1);
@@ -47,9 +39,9 @@ TEST(MergeList, FirstListedSurvivesWithinAnInclusiveTolerance)
     EXPECT_EQ(values(merged), (V{2, 1, 2}));
 
     // a-b and b-c within tol, a-c not: the map is followed while the rank falls.
-    EXPECT_EQ(merge(on_x_axis({0, 1, 2}), list({0u, 1u, 2u}), merged, 1.0), 2);
+    EXPECT_EQ(merge(matrix<double>(2, 3, {0, 0, 1, 0, 2, 0}), list({0u, 1u, 2u}), merged, 1.0), 2);
     EXPECT_EQ(values(merged), (V{0, 0, 0}));
-    EXPECT_EQ(merge(on_x_axis({0, 1, 2}), list({1u, 0u, 2u}), merged, 1.0), 2);
+    EXPECT_EQ(merge(matrix<double>(2, 3, {0, 0, 1, 0, 2, 0}), list({1u, 0u, 2u}), merged, 1.0), 2);
     EXPECT_EQ(values(merged), (V{1, 1, 1}));
 }
 
@@ -117,7 +109,7 @@ TEST(MergeCoordinates, NodesTakeTheCoordinatesOfTheirSurvivor)
 
 TEST(MergeCodes, RefusalsComeInOrderAndEmptyTheMap)
 {
-    dense2D<double> pos = on_x_axis({0, 1}), one_row = matrix<double>(1, 2, {0, 1}), no_nodes;
+    dense2D<double> pos = matrix<double>(2, 2, {0, 0, 1, 0}), one_row = matrix<double>(1, 2, {0, 1}), no_nodes;
     IDs merged, good = list({0u, 1u}), bad = list({0u, 2u});
     dense2D<unsigned> edges = matrix<unsigned>(2, 1, {0, 1}), wrong = matrix<unsigned>(2, 1, {0, 2});
     refusal const cases[] = {
@@ -137,10 +129,10 @@ TEST(MergeCodes, RefusalsComeInOrderAndEmptyTheMap)
         {-6, [&] { return merge(pos, edges, merged, 1.0, 3); }},
         {-2, [&] { return merge(pos, edges, wrong, merged, 1.0, 0); }},
     };
-    for (auto const& c : cases) {
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         merged = list({5u, 5u});
-        EXPECT_EQ(c.call(), c.code) << &c - cases;
-        EXPECT_TRUE(merged.empty()) << &c - cases;
+        EXPECT_EQ(cases[i].second(), cases[i].first) << i;
+        EXPECT_TRUE(merged.empty()) << i;
     }
     EXPECT_EQ(values(edges), (V{0, 1}));
     EXPECT_EQ(values(wrong), (V{0, 2}));
@@ -163,14 +155,14 @@ TEST(MergeModes, WithinOneElementClosestFirstAndRepeatedPasses)
 
     // One 4-node column on a line: 0-1 and 2-3 exactly at tol, 1-2 much closer. Mode 1 moves 2 onto
     // 1 first, then 1 onto 0, so 2-3 is no longer free; the list rule of mode 0 chains 3 along.
-    dense2D<double> line = on_x_axis({0, 1, 1.125, 2.125});
+    dense2D<double> line = matrix<double>(2, 4, {0, 0, 1, 0, 1.125, 0, 2.125, 0});
     for (unsigned mode : {1u, 0u}) {
         dense2D<unsigned> quad = matrix<unsigned>(4, 1, {0, 1, 2, 3});
         EXPECT_EQ(merge(line, quad, merged, 1.0, mode), mode == 1 ? 2 : 3);
         EXPECT_EQ(values(quad), mode == 1 ? (V{0, 0, 0, 3}) : (V{0, 0, 0, 0}));
     }
     // Edges 0-1 and 1-2: once 1 is on 0, the second edge joins 0 and 2, which only mode 2 merges.
-    dense2D<double> short_line = on_x_axis({0, 0.375, 0.875});
+    dense2D<double> short_line = matrix<double>(2, 3, {0, 0, 0.375, 0, 0.875, 0});
     for (unsigned mode : {1u, 2u}) {
         dense2D<unsigned> edges = matrix<unsigned>(2, 2, {0, 1, 1, 2});
         EXPECT_EQ(merge(short_line, edges, merged, 1.0, mode), mode == 1 ? 1 : 2);
@@ -180,7 +172,7 @@ TEST(MergeModes, WithinOneElementClosestFirstAndRepeatedPasses)
 
 TEST(MergeMemory, ExhaustionGivesMinus199OrTheFullResult)
 {
-    dense2D<double> pos = on_x_axis({0, 1, 2, 5, 5.5});
+    dense2D<double> pos = matrix<double>(2, 5, {0, 0, 1, 0, 2, 0, 5, 0, 5.5, 0});
     IDs ids = list({0u, 1u, 2u, 3u, 4u});
     long before = test_alloc::live_blocks();
     for (std::size_t k = 0; k < 60; ++k) {

@@ -11,22 +11,13 @@ using IDs = qv7::dense1D<unsigned, 8>;
 using v3 = qv7::vector_fixed<double, 3>;
 namespace ts = qv7::tessarium;
 
-namespace {
-
 // Nodes 0..4 at x = -1, 0, 1, 2, 3, other coordinates 0.
-dense2D<double> row_of_nodes(unsigned rows)
-{
-    dense2D<double> pos;
-    pos.resize(rows, 5, 0.0);
-    for (unsigned j = 0; j < 5; ++j) pos(0, j) = j - 1.0;
-    return pos;
-}
-
-}  // namespace
+dense2D<double> const row3 = matrix<double>(3, 5, {-1, 0, 0, 0, 0, 0, 1, 0, 0, 2, 0, 0, 3, 0, 0});
+dense2D<double> const row2 = matrix<double>(2, 5, {-1, 0, 0, 0, 1, 0, 2, 0, 3, 0});
 
 TEST(Clip, KeepsWholeElementsStrictlyOnThePositiveSideAndAppends)
 {
-    dense2D<double> pos = row_of_nodes(3);
+    dense2D<double> const& pos = row3;
     dense2D<unsigned> edges = matrix<unsigned>(2, 4, {2, 3, 1, 2, 0, 1, 4, 3});
     for (double length : {1e-6, 1000.0}) {
         dense2D<unsigned> out;
@@ -38,10 +29,9 @@ TEST(Clip, KeepsWholeElementsStrictlyOnThePositiveSideAndAppends)
     EXPECT_EQ(values(out), (V{9, 9, 0, 1}));
 
     // Mixed columns are judged on their real nodes; a 2-row matrix lies at z = 0.
-    dense2D<double> flat = row_of_nodes(2);
     dense2D<unsigned> faces = matrix<unsigned>(4, 3, {2, 3, 4, NONE_ID, 2, 3, 4, 0, NONE_ID, 0, 0, 0});
     dense2D<unsigned> above;
-    EXPECT_EQ(ts::clip(flat, faces, v3{{1.5, 0, -1}}, v3{{1, 0, 1}}, above), 0);  // x + z > 0.5
+    EXPECT_EQ(ts::clip(row2, faces, v3{{1.5, 0, -1}}, v3{{1, 0, 1}}, above), 0);  // x + z > 0.5
     EXPECT_EQ(values(above), (V{2, 3, 4, NONE_ID, NONE_ID, 0, 0, 0}));
 
     // Refusals in order, leaving out alone.
@@ -112,10 +102,9 @@ TEST(Simplify, UnusedNodesGoAndTheOthersMoveDownPastTheKeptOnes)
 
 TEST(Repair, ExhaustedMemoryChangesNothing)
 {
-    dense2D<double> const pos = row_of_nodes(3);
     for (std::size_t k = 0; k < 4; ++k) {
         dense2D<unsigned> out = matrix<unsigned>(2, 1, {8, 8}), edges = matrix<unsigned>(2, 2, {2, 3, 3, 4});
-        int clipped = failing_after(k, [&] { return ts::clip(pos, edges, v3{}, v3{{1, 0, 0}}, out); });
+        int clipped = failing_after(k, [&] { return ts::clip(row3, edges, v3{}, v3{{1, 0, 0}}, out); });
         EXPECT_EQ(values(out), clipped == -199 ? (V{8, 8}) : (V{8, 8, 2, 3, 3, 4}));
 
         dense2D<unsigned> tris = matrix<unsigned>(3, 2, {1, 2, 2, 0, 1, 2});
