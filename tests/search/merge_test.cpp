@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <iterator>
@@ -64,16 +65,12 @@ TEST(MergeList, TwoListsAgreeWithBruteForceOnLatticeTies)
 
         ASSERT_GE(merge(pos, first, second, merged, 1.0), 0);
         for (unsigned i : first) {
-            unsigned expected = i;
-            for (unsigned c : second) {
+            auto close = std::find_if(second.begin(), second.end(), [&](unsigned c) {
                 double q = 0;
                 for (unsigned k = 0; k < rows; ++k) q += (pos(k, c) - pos(k, i)) * (pos(k, c) - pos(k, i));
-                if (q <= 1.0) {
-                    expected = c;
-                    break;
-                }
-            }
-            ASSERT_EQ(merged[i], expected) << "node " << i;
+                return q <= 1.0;
+            });
+            ASSERT_EQ(merged[i], close == second.end() ? i : *close) << "node " << i;
         }
         for (unsigned c : second) ASSERT_EQ(merged[c], c);
     }

@@ -36,7 +36,7 @@ TEST(NodeDetector, RefusalsLeaveItAsItWasButTheWholeMatrixFormClearsFirst)
     EXPECT_EQ(values(found), V{9});
 }
 
-TEST(NodeDetector, QueriesOfEitherDimensionOnTreesOfEither)
+TEST(NodeDetector, QueriesOfEitherDimensionOnTreesOfEitherAndClosestOtherNodes)
 {
     dense2D<double> pos2 = matrix<double>(2, 2, {0, 0, 3, 0});
     node_detector flat(pos2);
@@ -52,10 +52,8 @@ TEST(NodeDetector, QueriesOfEitherDimensionOnTreesOfEither)
     solid.find_in_box(v2{-10, -10}, v2{10, 10}, found);  // only z exactly 0 matches
     solid.find_in_box(v2{-10, -10}, v2{10, 10}, found);
     EXPECT_EQ(values(found), (V{2, 2}));
-}
 
-TEST(NodeDetector, ClosestOtherNode)
-{
+    // The closest other node to a node of the matrix.
     dense2D<double> pos = matrix<double>(2, 4, {0, 0, 0, 0, 1, 0, 5, 5});
     node_detector one(pos, list({3u}));
     EXPECT_EQ(one.find_closest(3u), NONE_ID);
