@@ -14,3 +14,4 @@
 #include "histogram.h"
 #include "lapack.h"
 #include "index_utilities.h"
+#include "wavefront_obj.h"
