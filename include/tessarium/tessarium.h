@@ -15,3 +15,4 @@
 #include "lapack.h"
 #include "index_utilities.h"
 #include "wavefront_obj.h"
+#include "stl.h"

@@ -1,0 +1,52 @@
+#include "exchange/triangle_geometry.h"
+
+namespace qv7 {
+namespace tessarium {
+namespace {
+
+using point = vector_fixed<double, 3>;
+
+point coordinates(dense2D<double> const& pos, unsigned node) noexcept
+{
+    point p{0.0, 0.0, 0.0};
+    std::size_t rows = pos.rows() < 3 ? pos.rows() : 3;
+    for (std::size_t k = 0; k < rows; ++k) p[k] = pos(k, node);
+    return p;
+}
+
+point minus(point const& a, point const& b) noexcept { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+
+double sqr_length(point const& a) noexcept { return a[0] * a[0] + a[1] * a[1] + a[2] * a[2]; }
+
+point cross(point const& a, point const& b) noexcept
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+}  // namespace
+
+double __sqr_height(dense2D<double> const& pos, unsigned const* nodes, unsigned i) noexcept
+{
+    static constexpr unsigned char CYCLIC[4] = {1, 2, 0, 1};
+    point P = coordinates(pos, nodes[i]);
+    point A = coordinates(pos, nodes[CYCLIC[i]]);
+    point B = coordinates(pos, nodes[CYCLIC[i + 1]]);
+    bool A_nearer = sqr_length(minus(P, A)) <= sqr_length(minus(P, B));
+    point const& O = A_nearer ? A : B;
+    point e = minus(A_nearer ? B : A, O), w = minus(P, O);
+    double area2 = sqr_length(cross(e, w));
+    double base2 = sqr_length(e);
+    return base2 > 0.0 ? area2 / base2 : area2;
+}
+
+void __copy_director(dense2D<double> const& pos, unsigned const* nodes, vector_fixed<double, 3>& director) noexcept
+{
+    point P0 = coordinates(pos, nodes[0]), P1 = coordinates(pos, nodes[1]), P2 = coordinates(pos, nodes[2]);
+    point a = minus(P0, P2);
+    double d01 = sqr_length(minus(P1, P0)), d12 = sqr_length(minus(P1, P2)), d02 = sqr_length(a);
+    bool longest_first = d01 > (d12 < d02 ? d12 : d02);
+    director = cross(a, longest_first ? minus(P1, P2) : minus(P1, P0));
+}
+
+}  // namespace tessarium
+}  // namespace qv7
