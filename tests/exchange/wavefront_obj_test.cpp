@@ -282,7 +282,8 @@ TEST(WavefrontOBJInput, HostileInputDoesNotCrash)
     for (int i = 0; i < 5000; ++i) long_face += " 1/1/1";
     EXPECT_EQ(m.read(write_file("long.obj", long_face + "\n")), -2);  // textures never defined
     EXPECT_EQ(m.read(write_file("huge.obj", "v 1e999 nan inf\nv 1 1 1\nf 4294967295 2147483648 1\n")), -2);
-    EXPECT_EQ(m.read(write_file("binary.obj", std::string("v \0\xff\x01 2 3\nf \0 1 2\n", 22))), -2);
+    static char const binary[] = "v \0\xff\x01 2 3\nf \0 1 2\n";
+    EXPECT_EQ(m.read(write_file("binary.obj", std::string(binary, sizeof binary - 1))), -2);
     EXPECT_EQ(m.read(write_file("wide.obj", "v 1 2 3\nf 2147483647 -2147483648 1\n")), 0);
     ASSERT_EQ(m.T3.cols(), 1u);
     EXPECT_EQ(column(m.T3, 0), (std::vector<unsigned>{2147483646u, 2147483647u, 0u}));
