@@ -13,11 +13,16 @@
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace exchange_files {
 
-inline std::string temp_path(std::string const& name) { return ::testing::TempDir() + "tessarium_" + name; }
+// Test processes run side by side: each has files of its own.
+inline std::string temp_path(std::string const& name)
+{
+    return ::testing::TempDir() + "tessarium_" + std::to_string(::getpid()) + "_" + name;
+}
 
 // Writes bytes exactly as given and returns the path.
 inline std::string write_file(std::string const& name, std::string const& bytes)
