@@ -1,6 +1,7 @@
 // Files, arrays and corpus access for the exchange-format tests.
 #pragma once
 
+#include "nodes/node_arrays.h"
 #include "tessarium/dense2D.h"
 
 #include <gtest/gtest.h>
@@ -47,16 +48,7 @@ inline bool exists(std::string const& path)
 // A path in a folder that does not exist, so that no open can succeed.
 inline std::string unopenable() { return temp_path("no_such_dir/") + "file"; }
 
-// A rows x cols matrix from its entries in column-major order.
-template <class T>
-qv7::dense2D<T> matrix(std::size_t rows, std::size_t cols, std::initializer_list<T> column_major)
-{
-    qv7::dense2D<T> M;
-    M.resize(rows, cols);
-    std::size_t k = 0;
-    for (T v : column_major) M(k % rows, k / rows) = v, ++k;
-    return M;
-}
+using node_arrays::matrix;
 
 template <class T>
 std::vector<T> column(qv7::dense2D<T> const& M, std::size_t j)
