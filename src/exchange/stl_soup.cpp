@@ -32,7 +32,10 @@ bool __STL_soup::add_point(double const* xyz)
         std::size_t columns = std::max<std::size_t>(2 * used_, 96);
         if (!grow(std::min(columns, max_points)) || used_ == pos_.cols()) return false;
     }
-    std::copy(xyz, xyz + 3, pos_.col(used_++));
+    double* point = pos_.col(used_++);
+    point[0] = xyz[0];
+    point[1] = xyz[1];
+    point[2] = xyz[2];
     return true;
 }
 

@@ -8,10 +8,9 @@ using point = vector_fixed<double, 3>;
 
 point coordinates(dense2D<double> const& pos, unsigned node) noexcept
 {
-    point p{0.0, 0.0, 0.0};
-    std::size_t rows = pos.rows() < 3 ? pos.rows() : 3;
-    for (std::size_t k = 0; k < rows; ++k) p[k] = pos(k, node);
-    return p;
+    double const* c = pos.col(node);
+    if (pos.rows() >= 3) return {c[0], c[1], c[2]};
+    return {c[0], pos.rows() == 2 ? c[1] : 0.0, 0.0};
 }
 
 point minus(point const& a, point const& b) noexcept { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
