@@ -18,5 +18,8 @@
 #include "medit.h"
 #include "vtk.h"
 #include "ensight.h"
+#include "finite_rotation.h"
+#include "transforms.h"
+#include "connectivity.h"
 #include "wavefront_obj.h"
 #include "stl.h"

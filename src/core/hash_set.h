@@ -1,11 +1,14 @@
-// Open-addressing hash set and map of unsigned integer keys, for membership tests only.
+// Open-addressing hash tables of unsigned integer keys, for membership tests only.
 //
 // Neither container can be iterated: results built with them follow the order of the input,
-// never the order of the table. Both probe linearly in a power-of-two table kept at most half
-// full. The home slot keeps runs of 16 consecutive keys together in one cache line and scatters
-// the runs by a Fibonacci hash, so node numbers seen close together stay close in memory while
-// strided keys do not pile up. Every key value is allowed: the all-ones key (NONE_ID for
-// unsigned) marks empty slots and is tracked by a flag of its own.
+// never the order of the table. Both probe linearly from a Fibonacci hash in a power-of-two
+// table kept at most half full.
+//
+// hash_set stores its keys by pages of 64: a slot holds a page number and a 64-bit word with one
+// bit per key of that page. Node numbers are dense, so a page usually carries many keys and the
+// table stays within a few bits per key, close to a plain bit vector and small enough for the
+// caches, whatever the order in which the keys arrive; keys scattered far apart cost one slot
+// each. Every key value is allowed, the all-ones key (NONE_ID for unsigned) among them.
 //
 // The tables are allocated with operator new and may throw std::bad_alloc.
 #pragma once
@@ -20,187 +23,208 @@
 
 namespace qv7 {
 
-// Slot arithmetic shared by hash_set and hash_map.
-template <class Key>
-struct __hash_probe {
-    static_assert(std::is_unsigned<Key>::value, "keys are unsigned integers");
-    static constexpr Key empty_key = std::numeric_limits<Key>::max();
-    static constexpr unsigned min_bits = 5;
-    static constexpr unsigned run_bits = 4;
+// Slot arithmetic of a table of 2^bits slots.
+class __hash_shape {
+    static constexpr unsigned min_bits = 4;
 
-    static std::size_t home(Key key, unsigned bits) noexcept
-    {
-        std::uint64_t run = static_cast<std::uint64_t>(key) >> run_bits;
-        std::uint64_t scattered = (run * 0x9E3779B97F4A7C15ull) >> (64 - (bits - run_bits));
-        return static_cast<std::size_t>((scattered << run_bits) | (key & ((1u << run_bits) - 1)));
-    }
-    // Smallest table that holds n keys at a load of at most one half.
+public:
+    // Smallest table that holds n entries at a load of at most one half.
     static unsigned bits_for(std::size_t n) noexcept
     {
         unsigned bits = min_bits;
         while ((std::size_t(1) << bits) < 2 * n) ++bits;
         return bits;
     }
+
+    void reshape(unsigned bits) noexcept
+    {
+        bits_ = bits;
+        mask_ = (std::uint64_t(1) << bits) - 1;
+        shift_ = 64 - bits;
+    }
+    unsigned bits() const noexcept { return bits_; }
+    std::size_t slots() const noexcept { return static_cast<std::size_t>(mask_ + 1); }
+    bool full_after_one_more(std::size_t stored) const noexcept { return 2 * (stored + 1) > mask_ + 1; }
+    std::size_t next(std::size_t i) const noexcept { return static_cast<std::size_t>((i + 1) & mask_); }
+    std::size_t home(std::uint64_t key) const noexcept
+    {
+        return static_cast<std::size_t>((key * 0x9E3779B97F4A7C15ull) >> shift_);
+    }
+
+    // Slot holding key, or the empty slot where it would go.
+    template <class Key>
+    std::size_t find_slot(Key const* keys, Key key, Key empty) const noexcept
+    {
+        std::size_t i = home(key);
+        while (keys[i] != key && keys[i] != empty) i = next(i);
+        return i;
+    }
+    template <class Slot, class Key>
+    std::size_t find_slot(Slot const* slots, Key Slot::*field, Key key, Key empty) const noexcept
+    {
+        std::size_t i = home(key);
+        while (slots[i].*field != key && slots[i].*field != empty) i = next(i);
+        return i;
+    }
+
+private:
+    // 64-bit fields: stores through a pointer to 32-bit keys can never alias them.
+    std::uint64_t mask_ = 0;
+    std::uint64_t shift_ = 0;
+    unsigned bits_ = 0;
 };
 
 template <class Key>
 class hash_set {
-    using probe = __hash_probe<Key>;
+    static_assert(std::is_unsigned<Key>::value, "keys are unsigned integers");
+    // No key has the all-ones page number, so it marks the empty slots.
+    static constexpr Key no_page = std::numeric_limits<Key>::max();
+    struct slot {
+        Key page;
+        std::uint64_t bits;
+    };
+    static Key page_of(Key key) noexcept { return key >> 6; }
+    static std::uint64_t bit_of(Key key) noexcept { return std::uint64_t(1) << (key & 63); }
 
 public:
     using key_type = Key;
 
-    // Room for `expected` keys before the first growth.
-    explicit hash_set(std::size_t expected = 0) { __allocate(probe::bits_for(expected)); }
+    // Room for `expected` scattered keys before the first growth.
+    explicit hash_set(std::size_t expected = 0) { __allocate(__hash_shape::bits_for(expected)); }
 
     // True when key was not yet present.
     bool insert(Key key)
     {
-        if (key == probe::empty_key) {
-            bool added = !has_empty_key_;
-            has_empty_key_ = true;
-            return added;
-        }
-        std::size_t mask = (std::size_t(1) << bits_) - 1;
-        for (std::size_t i = probe::home(key, bits_);; i = (i + 1) & mask) {
-            if (slots_[i] == key) return false;
-            if (slots_[i] == probe::empty_key) {
-                if (2 * (stored_ + 1) > mask + 1) {
-                    __rehash(bits_ + 1);
-                    return insert(key);
-                }
-                slots_[i] = key;
-                ++stored_;
-                return true;
+        Key page = page_of(key);
+        std::size_t i = __find(page);
+        if (slots_[i].page != page) {
+            if (shape_.full_after_one_more(pages_)) {
+                __rehash(shape_.bits() + 1);
+                i = __find(page);
             }
+            slots_[i] = slot{page, 0};
+            ++pages_;
         }
+        std::uint64_t bit = bit_of(key);
+        if (slots_[i].bits & bit) return false;
+        slots_[i].bits |= bit;
+        ++keys_;
+        return true;
     }
 
     bool contains(Key key) const noexcept
     {
-        if (key == probe::empty_key) return has_empty_key_;
-        std::size_t mask = (std::size_t(1) << bits_) - 1;
-        for (std::size_t i = probe::home(key, bits_);; i = (i + 1) & mask) {
-            if (slots_[i] == key) return true;
-            if (slots_[i] == probe::empty_key) return false;
-        }
+        slot const& s = slots_[__find(page_of(key))];
+        return s.page == page_of(key) && (s.bits & bit_of(key));
     }
 
-    // True when key was present. Later keys of its probe run move back, so no tombstones remain.
+    // True when key was present. A page left without keys leaves the table; the slots behind it
+    // move back, so no tombstones remain.
     bool erase(Key key) noexcept
     {
-        if (key == probe::empty_key) {
-            bool had = has_empty_key_;
-            has_empty_key_ = false;
-            return had;
-        }
-        std::size_t mask = (std::size_t(1) << bits_) - 1;
-        std::size_t i = probe::home(key, bits_);
-        while (slots_[i] != key) {
-            if (slots_[i] == probe::empty_key) return false;
-            i = (i + 1) & mask;
-        }
-        for (std::size_t j = (i + 1) & mask; slots_[j] != probe::empty_key; j = (j + 1) & mask) {
-            std::size_t h = probe::home(slots_[j], bits_);
-            // The key at j may fill the hole at i unless its home lies cyclically in (i, j].
+        std::size_t i = __find(page_of(key));
+        if (slots_[i].page != page_of(key) || !(slots_[i].bits & bit_of(key))) return false;
+        --keys_;
+        slots_[i].bits &= ~bit_of(key);
+        if (slots_[i].bits == 0) __remove_slot(i);
+        return true;
+    }
+
+    std::size_t size() const noexcept { return keys_; }
+    bool empty() const noexcept { return keys_ == 0; }
+
+    // Empties the set and keeps its table.
+    void clear() noexcept
+    {
+        std::fill(slots_.get(), slots_.get() + shape_.slots(), slot{no_page, 0});
+        keys_ = pages_ = 0;
+    }
+
+    // Grows the table so that n scattered keys fit without a further growth.
+    void reserve(std::size_t n)
+    {
+        unsigned bits = __hash_shape::bits_for(n);
+        if (bits > shape_.bits()) __rehash(bits);
+    }
+
+private:
+    std::size_t __find(Key page) const noexcept { return shape_.find_slot(slots_.get(), &slot::page, page, no_page); }
+
+    void __remove_slot(std::size_t i) noexcept
+    {
+        for (std::size_t j = shape_.next(i); slots_[j].page != no_page; j = shape_.next(j)) {
+            std::size_t h = shape_.home(slots_[j].page);
+            // The slot at j may fill the hole at i unless its home lies cyclically in (i, j].
             bool home_after_hole = i <= j ? (i < h && h <= j) : (i < h || h <= j);
             if (!home_after_hole) {
                 slots_[i] = slots_[j];
                 i = j;
             }
         }
-        slots_[i] = probe::empty_key;
-        --stored_;
-        return true;
+        slots_[i] = slot{no_page, 0};
+        --pages_;
     }
 
-    std::size_t size() const noexcept { return stored_ + (has_empty_key_ ? 1 : 0); }
-    bool empty() const noexcept { return size() == 0; }
-
-    // Empties the set and keeps its table.
-    void clear() noexcept
-    {
-        std::fill(slots_.get(), slots_.get() + (std::size_t(1) << bits_), probe::empty_key);
-        stored_ = 0;
-        has_empty_key_ = false;
-    }
-
-    // Grows the table so that n keys fit without a further growth.
-    void reserve(std::size_t n)
-    {
-        unsigned bits = probe::bits_for(n);
-        if (bits > bits_) __rehash(bits);
-    }
-
-private:
     void __allocate(unsigned bits)
     {
         std::size_t n = std::size_t(1) << bits;
-        slots_.reset(new Key[n]);
-        std::fill(slots_.get(), slots_.get() + n, probe::empty_key);
-        bits_ = bits;
+        slots_.reset(new slot[n]);
+        std::fill(slots_.get(), slots_.get() + n, slot{no_page, 0});
+        shape_.reshape(bits);
     }
 
     void __rehash(unsigned bits)
     {
-        std::unique_ptr<Key[]> old = std::move(slots_);
-        std::size_t old_n = std::size_t(1) << bits_;
+        std::unique_ptr<slot[]> old = std::move(slots_);
+        std::size_t old_n = shape_.slots();
         __allocate(bits);
-        std::size_t mask = (std::size_t(1) << bits_) - 1;
-        for (std::size_t k = 0; k < old_n; ++k) {
-            Key key = old[k];
-            if (key == probe::empty_key) continue;
-            std::size_t i = probe::home(key, bits_);
-            while (slots_[i] != probe::empty_key) i = (i + 1) & mask;
-            slots_[i] = key;
-        }
+        for (std::size_t k = 0; k < old_n; ++k)
+            if (old[k].page != no_page) slots_[__find(old[k].page)] = old[k];
     }
 
-    std::unique_ptr<Key[]> slots_;
-    unsigned bits_ = 0;
-    std::size_t stored_ = 0;  // keys in slots_, the all-ones key aside
-    bool has_empty_key_ = false;
+    std::unique_ptr<slot[]> slots_;
+    __hash_shape shape_;
+    std::size_t keys_ = 0;
+    std::size_t pages_ = 0;
 };
 
-// Map from unsigned keys to values, same table scheme as hash_set, without erase.
+// Map from unsigned keys to values, without erase. The all-ones key marks empty slots and is
+// kept apart with a flag.
 template <class Key, class Value>
 class hash_map {
-    using probe = __hash_probe<Key>;
+    static_assert(std::is_unsigned<Key>::value, "keys are unsigned integers");
+    static constexpr Key empty_key = std::numeric_limits<Key>::max();
 
 public:
-    explicit hash_map(std::size_t expected = 0) { __allocate(probe::bits_for(expected)); }
+    explicit hash_map(std::size_t expected = 0) { __allocate(__hash_shape::bits_for(expected)); }
 
     // The value stored under key, or null.
     Value* find(Key key) noexcept
     {
-        if (key == probe::empty_key) return has_empty_key_ ? &empty_key_value_ : nullptr;
-        std::size_t mask = (std::size_t(1) << bits_) - 1;
-        for (std::size_t i = probe::home(key, bits_);; i = (i + 1) & mask) {
-            if (keys_[i] == key) return &values_[i];
-            if (keys_[i] == probe::empty_key) return nullptr;
-        }
+        if (key == empty_key) return has_empty_key_ ? &empty_key_value_ : nullptr;
+        std::size_t i = shape_.find_slot(keys_.get(), key, empty_key);
+        return keys_[i] == key ? &values_[i] : nullptr;
     }
     Value const* find(Key key) const noexcept { return const_cast<hash_map*>(this)->find(key); }
 
     // Stores value under key, replacing what was there. True when key is new.
     bool insert_or_assign(Key key, Value const& value)
     {
-        if (Value* slot = find(key)) {
-            *slot = value;
-            return false;
-        }
-        if (key == probe::empty_key) {
+        if (key == empty_key) {
+            bool added = !has_empty_key_;
             has_empty_key_ = true;
             empty_key_value_ = value;
-            return true;
+            return added;
         }
-        std::size_t mask = (std::size_t(1) << bits_) - 1;
-        if (2 * (stored_ + 1) > mask + 1) {
-            __rehash(bits_ + 1);
-            mask = (std::size_t(1) << bits_) - 1;
+        std::size_t i = shape_.find_slot(keys_.get(), key, empty_key);
+        if (keys_[i] == key) {
+            values_[i] = value;
+            return false;
         }
-        std::size_t i = probe::home(key, bits_);
-        while (keys_[i] != probe::empty_key) i = (i + 1) & mask;
+        if (shape_.full_after_one_more(stored_)) {
+            __rehash(shape_.bits() + 1);
+            i = shape_.find_slot(keys_.get(), key, empty_key);
+        }
         keys_[i] = key;
         values_[i] = value;
         ++stored_;
@@ -215,21 +239,19 @@ private:
         std::size_t n = std::size_t(1) << bits;
         keys_.reset(new Key[n]);
         values_.reset(new Value[n]);
-        std::fill(keys_.get(), keys_.get() + n, probe::empty_key);
-        bits_ = bits;
+        std::fill(keys_.get(), keys_.get() + n, empty_key);
+        shape_.reshape(bits);
     }
 
     void __rehash(unsigned bits)
     {
         std::unique_ptr<Key[]> old_keys = std::move(keys_);
         std::unique_ptr<Value[]> old_values = std::move(values_);
-        std::size_t old_n = std::size_t(1) << bits_;
+        std::size_t old_n = shape_.slots();
         __allocate(bits);
-        std::size_t mask = (std::size_t(1) << bits_) - 1;
         for (std::size_t k = 0; k < old_n; ++k) {
-            if (old_keys[k] == probe::empty_key) continue;
-            std::size_t i = probe::home(old_keys[k], bits_);
-            while (keys_[i] != probe::empty_key) i = (i + 1) & mask;
+            if (old_keys[k] == empty_key) continue;
+            std::size_t i = shape_.find_slot(keys_.get(), old_keys[k], empty_key);
             keys_[i] = old_keys[k];
             values_[i] = std::move(old_values[k]);
         }
@@ -237,7 +259,7 @@ private:
 
     std::unique_ptr<Key[]> keys_;
     std::unique_ptr<Value[]> values_;
-    unsigned bits_ = 0;
+    __hash_shape shape_;
     std::size_t stored_ = 0;
     bool has_empty_key_ = false;
     Value empty_key_value_{};

@@ -1,5 +1,5 @@
 // STL writer, text and binary. Each facet carries the unit normal of its triangle.
-#include "exchange/triangle_geometry.h"
+#include "connectivity/elfes.h"
 #include "tessarium/element_type.h"
 #include "tessarium/stl.h"
 
@@ -21,7 +21,7 @@ facet facet_of(dense2D<double> const& pos, unsigned const* nodes)
 {
     facet f;
     vector_fixed<double, 3> director;
-    __copy_director(pos, nodes, director);
+    elfes::faceT3::copy_director(pos, nodes, director);
     double n = std::sqrt(director[0] * director[0] + director[1] * director[1] + director[2] * director[2]);
     double scale = n != 0.0 ? 1.0 / n : 1.0;
     for (int k = 0; k < 3; ++k) f.normal[k] = director[k] * scale;

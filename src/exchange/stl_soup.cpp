@@ -1,6 +1,6 @@
 #include "exchange/stl_soup.h"
 
-#include "exchange/triangle_geometry.h"
+#include "connectivity/elfes.h"
 #include "tessarium/element_type.h"
 
 #include <algorithm>
@@ -42,9 +42,9 @@ bool __STL_soup::add_point(double const* xyz)
 void __STL_soup::end_facet()
 {
     unsigned nodes[3] = {unsigned(used_ - 3), unsigned(used_ - 2), unsigned(used_ - 1)};
-    double h = __sqr_height(pos_, nodes, 0);
-    h = std::min(h, __sqr_height(pos_, nodes, 1));
-    h = std::min(h, __sqr_height(pos_, nodes, 2));
+    double h = elfes::faceT3::sqr_height(pos_, nodes, 0);
+    h = std::min(h, elfes::faceT3::sqr_height(pos_, nodes, 1));
+    h = std::min(h, elfes::faceT3::sqr_height(pos_, nodes, 2));
     // Degenerate facets do not count.
     if (h > 0.0) min_sqr_height_ = std::min(min_sqr_height_, h);
 }

@@ -6,17 +6,26 @@
 
 namespace qv7 {
 
+// Calls f(first, count) on the contiguous runs of M's entries in column order: one run when
+// ld == rows, one per column otherwise.
+template <class F>
+void __for_each_run(dense2D<unsigned> const& M, F&& f)
+{
+    if (M.empty()) return;
+    if (M.ld() == M.rows()) {
+        f(M.col(0), M.rows() * M.cols());
+        return;
+    }
+    for (std::size_t j = 0; j < M.cols(); ++j) f(M.col(j), M.rows());
+}
+
 // Calls f(value) on every entry of M, column by column and row by row, honouring ld.
 template <class F>
 void __for_each_index(dense2D<unsigned> const& M, F&& f)
 {
-    if (M.empty()) return;
-    if (M.ld() == M.rows()) {
-        for (unsigned const *p = M.col(0), *e = p + M.rows() * M.cols(); p != e; ++p) f(*p);
-        return;
-    }
-    for (std::size_t j = 0; j < M.cols(); ++j)
-        for (unsigned const *p = M.col(j), *e = p + M.rows(); p != e; ++p) f(*p);
+    __for_each_run(M, [&f](unsigned const* p, std::size_t n) {
+        for (unsigned const* e = p + n; p != e; ++p) f(*p);
+    });
 }
 
 // As above, for mutable entries.

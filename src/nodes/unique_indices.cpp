@@ -17,13 +17,15 @@ hash_set<unsigned> seen_set(IDs const& excluded)
     return seen;
 }
 
-// Appends v to out on its first appearance. A value that cannot be stored is dropped.
+// Appends each value of a run to out on its first appearance. A value that cannot be stored
+// is dropped.
 struct first_seen_appender {
     hash_set<unsigned>& seen;
     IDs& out;
-    void operator()(unsigned v)
+    void operator()(unsigned const* p, std::size_t n)
     {
-        if (seen.insert(v)) out.push_back(v);
+        for (unsigned const* e = p + n; p != e; ++p)
+            if (seen.insert(*p)) out.push_back(*p);
     }
 };
 
@@ -35,8 +37,7 @@ int unique_indices(IDs& out, IDs const& in, IDs excluded)
     std::size_t wanted = out.size() + in.size();
     if (out.capacity() < wanted) out.storage()->__grow(out.first() + wanted, out.first() + out.size(), 1);
     hash_set<unsigned> seen = seen_set(excluded);
-    first_seen_appender append{seen, out};
-    for (unsigned v : in) append(v);
+    first_seen_appender{seen, out}(in.data(), in.size());
     return 0;
 }
 
@@ -51,7 +52,7 @@ int unique_indices(IDs& out, dense2D<unsigned> const* first, dense2D<unsigned> c
     if (last < first) return -3;
     hash_set<unsigned> seen = seen_set(excluded);
     first_seen_appender append{seen, out};
-    for (; first != last; ++first) __for_each_index(*first, append);
+    for (; first != last; ++first) __for_each_run(*first, append);
     return 0;
 }
 }  // namespace tessarium

@@ -7,21 +7,15 @@
 namespace {
 
 using namespace node_arrays;
-using qv7::NONE_ID;
 using qv7::tessarium::get_IDs;
-using V = std::vector<unsigned>;
 constexpr unsigned N = NONE_ID;
 
-TEST(GetIDsLists, FirstPositionsBothWays)
+TEST(GetIDs, ListsMatchFirstPositionsBothWays)
 {
     qv7::dense1D<unsigned, 8> out_b, out_a;
     EXPECT_EQ(get_IDs(list({5u, 3u, 5u, N, 8u}), list({8u, 5u, 9u, N, 5u}), out_b, out_a), 0);
     EXPECT_EQ(values(out_b), (V{4, 0, N, N, 0}));
     EXPECT_EQ(values(out_a), (V{1, N, N, N, 0}));
-
-    EXPECT_EQ(get_IDs(qv7::dense1D<unsigned, 8>(), list({1u, 2u}), out_b, out_a), 0);
-    EXPECT_EQ(values(out_b), (V{N, N}));
-    EXPECT_TRUE(out_a.empty());
 }
 
 struct ColumnMatch : ::testing::Test {
@@ -32,28 +26,17 @@ struct ColumnMatch : ::testing::Test {
     }
 };
 
-TEST_F(ColumnMatch, ReversedLoopMatchesOnlyWhenUnordered)
+TEST_F(ColumnMatch, LoopsMatchFromAnyStartInEitherDirectionUnlessOrdered)
 {
     auto a = matrix<unsigned>(4, 1, {1, 2, 3, 4});
-    match(a, matrix<unsigned>(4, 1, {4, 3, 2, 1}), false);
-    EXPECT_EQ(values(out_b), (V{0}));
-    EXPECT_EQ(values(out_a), (V{0}));
-    match(a, matrix<unsigned>(4, 1, {4, 3, 2, 1}), true);
-    EXPECT_EQ(values(out_b), (V{N}));
-    EXPECT_EQ(values(out_a), (V{N}));
-}
-
-TEST_F(ColumnMatch, RotationsAndReversalsOfALoopButNotOtherOrders)
-{
-    auto a = matrix<unsigned>(4, 1, {1, 2, 3, 4});
-    // Turned start, turned start reversed, a different loop on the same nodes, same loop exactly.
-    auto b = matrix<unsigned>(4, 4, {3, 4, 1, 2, 2, 1, 4, 3, 1, 3, 2, 4, 1, 2, 3, 4});
+    // Reversed, turned start, turned start reversed, another loop on the same nodes, identical.
+    auto b = matrix<unsigned>(4, 5, {4, 3, 2, 1, 3, 4, 1, 2, 2, 1, 4, 3, 1, 3, 2, 4, 1, 2, 3, 4});
     match(a, b, false);
-    EXPECT_EQ(values(out_b), (V{0, 0, N, 0}));
+    EXPECT_EQ(values(out_b), (V{0, 0, 0, N, 0}));
     EXPECT_EQ(values(out_a), (V{0}));
     match(a, b, true);
-    EXPECT_EQ(values(out_b), (V{N, N, N, 0}));
-    EXPECT_EQ(values(out_a), (V{3}));
+    EXPECT_EQ(values(out_b), (V{N, N, N, N, 0}));
+    EXPECT_EQ(values(out_a), (V{4}));
 }
 
 TEST_F(ColumnMatch, LowestDuplicateWinsAndEveryDuplicateLearnsTheLowestMatch)
@@ -63,9 +46,9 @@ TEST_F(ColumnMatch, LowestDuplicateWinsAndEveryDuplicateLearnsTheLowestMatch)
     match(a, b, false);
     EXPECT_EQ(values(out_b), (V{0, N, 0}));
     EXPECT_EQ(values(out_a), (V{0, N, 0, 0}));
-    match(a, b, true);
-    EXPECT_EQ(values(out_b), (V{N, N, N}));
-    EXPECT_EQ(values(out_a), (V{N, N, N, N}));
+    match(matrix<unsigned>(1, 3, {5, 6, 5}), matrix<unsigned>(1, 2, {6, 5}), true);
+    EXPECT_EQ(values(out_b), (V{1, 0}));
+    EXPECT_EQ(values(out_a), (V{1, 0, 1}));
 }
 
 TEST_F(ColumnMatch, EqualKeysOfDifferentColumnsDoNotMatch)
@@ -76,23 +59,10 @@ TEST_F(ColumnMatch, EqualKeysOfDifferentColumnsDoNotMatch)
     EXPECT_EQ(values(out_a), (V{1}));
 }
 
-TEST_F(ColumnMatch, SingleRowsAndNoneEntries)
-{
-    match(matrix<unsigned>(1, 3, {5, 6, 5}), matrix<unsigned>(1, 2, {6, 5}), false);
-    EXPECT_EQ(values(out_b), (V{1, 0}));
-    EXPECT_EQ(values(out_a), (V{1, 0, 1}));
-
-    match(matrix<unsigned>(4, 1, {1, 2, 3, N}), matrix<unsigned>(4, 1, {N, 3, 2, 1}), false);
-    EXPECT_EQ(values(out_b), (V{0}));
-}
-
-TEST_F(ColumnMatch, RowMismatchAndEmptyInputs)
+TEST_F(ColumnMatch, RowMismatchEmptiesTheOutputs)
 {
     out_b = list({1u});
-    out_a = list({1u});
     EXPECT_EQ(get_IDs(matrix<unsigned>(3, 1, {1, 2, 3}), matrix<unsigned>(2, 1, {1, 2}), out_b, out_a, true), -2);
-    EXPECT_TRUE(out_b.empty() && out_a.empty());
-    match(qv7::dense2D<unsigned>(), qv7::dense2D<unsigned>(), false);
     EXPECT_TRUE(out_b.empty() && out_a.empty());
 }
 

@@ -2,11 +2,16 @@
 #pragma once
 
 #include "tessarium/dense2D.h"
+#include "tessarium/element_type.h"
 
 #include <initializer_list>
 #include <vector>
 
 namespace node_arrays {
+
+using qv7::NONE_ID;
+using V = std::vector<unsigned>;
+using D = std::vector<double>;
 
 template <class T = unsigned>
 qv7::dense1D<T, 8> list(std::initializer_list<T> values)
@@ -25,6 +30,16 @@ qv7::dense2D<T> matrix(std::size_t rows, std::size_t cols, std::initializer_list
     std::size_t k = 0;
     for (T v : column_major) M(k % rows, k / rows) = v, ++k;
     return M;
+}
+
+// n nodes on `rows` rows, node j at (j, 10 j, 100 j).
+inline qv7::dense2D<double> nodes(std::size_t n, std::size_t rows)
+{
+    qv7::dense2D<double> pos;
+    pos.resize(rows, n);
+    for (std::size_t j = 0; j < n; ++j)
+        for (std::size_t i = 0, scale = 1; i < rows; ++i, scale *= 10) pos(i, j) = double(j * scale);
+    return pos;
 }
 
 template <class T>

@@ -1,7 +1,8 @@
-#include "exchange/triangle_geometry.h"
+// Heights and normals of a triangle, as the STL reader and writer need them.
+#include "connectivity/elfes.h"
 
 namespace qv7 {
-namespace tessarium {
+namespace elfes {
 namespace {
 
 using point = vector_fixed<double, 3>;
@@ -24,9 +25,8 @@ point cross(point const& a, point const& b) noexcept
 
 }  // namespace
 
-double __sqr_height(dense2D<double> const& pos, unsigned const* nodes, unsigned i) noexcept
+double faceT3::sqr_height(dense2D<double> const& pos, unsigned const* nodes, unsigned i) noexcept
 {
-    static constexpr unsigned char CYCLIC[4] = {1, 2, 0, 1};
     point P = coordinates(pos, nodes[i]);
     point A = coordinates(pos, nodes[CYCLIC[i]]);
     point B = coordinates(pos, nodes[CYCLIC[i + 1]]);
@@ -38,7 +38,7 @@ double __sqr_height(dense2D<double> const& pos, unsigned const* nodes, unsigned 
     return base2 > 0.0 ? area2 / base2 : area2;
 }
 
-void __copy_director(dense2D<double> const& pos, unsigned const* nodes, vector_fixed<double, 3>& director) noexcept
+void faceT3::copy_director(dense2D<double> const& pos, unsigned const* nodes, vector_fixed<double, 3>& director) noexcept
 {
     point P0 = coordinates(pos, nodes[0]), P1 = coordinates(pos, nodes[1]), P2 = coordinates(pos, nodes[2]);
     point a = minus(P0, P2);
@@ -47,5 +47,5 @@ void __copy_director(dense2D<double> const& pos, unsigned const* nodes, vector_f
     director = cross(a, longest_first ? minus(P1, P2) : minus(P1, P0));
 }
 
-}  // namespace tessarium
+}  // namespace elfes
 }  // namespace qv7

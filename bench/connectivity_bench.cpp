@@ -1,0 +1,158 @@
+// Neighbours of about a million tetrahedra and a million hexahedra: the hash sieve of
+// get_neighbors beside a face matching by sorting (sort each face's nodes, sort all faces, pair
+// equal neighbours), on lexicographic and on random node numbers. The sieve's memory per
+// boundary is reported as a counter.
+#include "connectivity/boundary_finder.h"
+#include "connectivity/elfes.h"
+#include "tessarium/connectivity.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace {
+
+using qv7::dense2D;
+using qv7::NONE_ID;
+
+constexpr unsigned tet_cubes = 55;   // 6 tetrahedra per cube: 998,250 elements
+constexpr unsigned hexa_cubes = 100;  // 1,000,000 elements
+
+// A structured box of n^3 cubes, as hexahedra or cut into six tetrahedra around a diagonal.
+dense2D<unsigned> make_box(unsigned n, bool tetrahedra, bool shuffled)
+{
+    unsigned const p = n + 1;
+    std::vector<unsigned> number(std::size_t(p) * p * p);
+    std::iota(number.begin(), number.end(), 0u);
+    if (shuffled) std::shuffle(number.begin(), number.end(), std::mt19937(1));
+    // Corners by bits x + 2y + 4z.
+    static unsigned const hexa[1][8] = {{0, 1, 3, 2, 4, 5, 7, 6}};
+    static unsigned const tets[6][4] = {{0, 1, 3, 7}, {0, 5, 1, 7}, {0, 3, 2, 7},
+                                        {0, 2, 6, 7}, {0, 4, 5, 7}, {0, 6, 4, 7}};
+    unsigned rows = tetrahedra ? 4 : 8, per_cube = tetrahedra ? 6 : 1;
+    dense2D<unsigned> connect;
+    connect.resize(rows, std::size_t(n) * n * n * per_cube);
+    std::size_t e = 0;
+    for (unsigned k = 0; k < n; ++k)
+        for (unsigned j = 0; j < n; ++j)
+            for (unsigned i = 0; i < n; ++i)
+                for (unsigned s = 0; s < per_cube; ++s, ++e)
+                    for (unsigned r = 0; r < rows; ++r) {
+                        unsigned c = tetrahedra ? tets[s][r] : hexa[0][r];
+                        std::size_t node = (i + (c & 1)) + p * ((j + (c >> 1 & 1)) + std::size_t(p) * (k + (c >> 2)));
+                        connect(r, e) = number[node];
+                    }
+    return connect;
+}
+
+dense2D<unsigned> const& mesh(bool tetrahedra, bool shuffled)
+{
+    static dense2D<unsigned> meshes[2][2];
+    dense2D<unsigned>& m = meshes[tetrahedra][shuffled];
+    if (m.empty()) m = make_box(tetrahedra ? tet_cubes : hexa_cubes, tetrahedra, shuffled);
+    return m;
+}
+
+// The baseline: every face keyed by its sorted nodes, all faces sorted, equal runs of two paired.
+template <class Elfe>
+void sort_matching(dense2D<unsigned> const& C, dense2D<unsigned>& neighbors)
+{
+    constexpr unsigned W = Elfe::boundary_width, S = Elfe::stride;
+    struct face {
+        std::array<unsigned, W> key;
+        unsigned long id;
+        bool operator<(face const& o) const { return key < o.key; }
+    };
+    std::vector<face> faces(C.cols() * S);
+    for (std::size_t e = 0; e < C.cols(); ++e)
+        for (unsigned b = 0; b < S; ++b) {
+            face& f = faces[e * S + b];
+            Elfe::copy_boundary_nodes(b, C.col(e), f.key.data());
+            std::sort(f.key.begin(), f.key.end());
+            f.id = e * S + b;
+        }
+    std::sort(faces.begin(), faces.end());
+    neighbors.resize(S, C.cols());
+    std::fill(neighbors.col(0), neighbors.col(0) + S * C.cols(), NONE_ID);
+    for (std::size_t i = 0; i < faces.size();) {
+        std::size_t j = i + 1;
+        while (j < faces.size() && faces[j].key == faces[i].key) ++j;
+        if (j == i + 2) {
+            unsigned long a = faces[i].id, b = faces[i + 1].id;
+            neighbors(a % S, a / S) = unsigned(b / S);
+            neighbors(b % S, b / S) = unsigned(a / S);
+        }
+        i = j;
+    }
+}
+
+template <class Elfe>
+void check_same(dense2D<unsigned> const& C, qv7::element_type type)
+{
+    dense2D<unsigned> a, b;
+    qv7::tessarium::get_neighbors(C, type, false, a);
+    sort_matching<Elfe>(C, b);
+    if (!std::equal(a.col(0), a.col(0) + a.rows() * a.cols(), b.col(0))) {
+        std::fprintf(stderr, "sieve and sort disagree\n");
+        std::abort();
+    }
+}
+
+template <class Elfe>
+double sieve_bytes_per_boundary(dense2D<unsigned> const& C)
+{
+    qv7::boundary_finder<Elfe, dense2D<unsigned>> finder;
+    finder.set_connectivity(&C);
+    finder.resize(C.cols());
+    for (std::size_t e = 0; e < C.cols(); ++e) finder.__bdry_insert_aux(e, 0);
+    return double(finder.sieve().memory()) / (double(C.cols()) * Elfe::stride);
+}
+
+template <class Elfe>
+void BM_sieve(benchmark::State& state)
+{
+    bool shuffled = state.range(0) != 0;
+    bool tets = Elfe::stride == 4;
+    qv7::element_type type = tets ? qv7::ET_TETRA4 : qv7::ET_HEXA8;
+    dense2D<unsigned> const& C = mesh(tets, shuffled);
+    check_same<Elfe>(C, type);
+    dense2D<unsigned> N;
+    for (auto _ : state) {
+        qv7::tessarium::get_neighbors(C, type, false, N);
+        benchmark::DoNotOptimize(N.col(0));
+    }
+    state.counters["elements"] = double(C.cols());
+    state.counters["sieve_bytes_per_boundary"] = sieve_bytes_per_boundary<Elfe>(C);
+}
+
+template <class Elfe>
+void BM_sort(benchmark::State& state)
+{
+    bool shuffled = state.range(0) != 0;
+    dense2D<unsigned> const& C = mesh(Elfe::stride == 4, shuffled);
+    dense2D<unsigned> N;
+    for (auto _ : state) {
+        sort_matching<Elfe>(C, N);
+        benchmark::DoNotOptimize(N.col(0));
+    }
+    state.counters["elements"] = double(C.cols());
+}
+
+using qv7::elfes::hexa8;
+using qv7::elfes::tetra4;
+
+// Argument: 0 lexicographic node numbers, 1 random ones.
+BENCHMARK_TEMPLATE(BM_sieve, tetra4)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_sort, tetra4)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_sieve, hexa8)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_sort, hexa8)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
