@@ -21,5 +21,7 @@
 #include "finite_rotation.h"
 #include "transforms.h"
 #include "connectivity.h"
+#include "nastran.h"
+#include "femap.h"
 #include "wavefront_obj.h"
 #include "stl.h"

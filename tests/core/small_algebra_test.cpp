@@ -46,11 +46,6 @@ TEST(Solve, ThreeByThree)
     solve(1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 2.0, 3.0, x0, x1, x2, det, 2);
     EXPECT_EQ(det, 0.0);
     EXPECT_EQ(x0 + x1 + x2, 0.0);
-
-    double nan = std::numeric_limits<double>::quiet_NaN();
-    solve(nan, 0.0, 1.0, 1.0, 1.0, x0, x1, det, 0);
-    EXPECT_TRUE(std::isnan(det));
-    EXPECT_TRUE(std::isnan(x1));
 }
 
 TEST(SmallProducts, AccumulateScaledProducts)
@@ -81,9 +76,6 @@ TEST(SmallProducts, AccumulateScaledProducts)
     EXPECT_EQ(T[0], 10 + 0.5 * (1 + 2));
     EXPECT_EQ(T[1], 0.5 * 2);
     EXPECT_EQ(T[2], 0.5 * (2 + 3));
-    symmetric_fixed<double, 2> U{1, 2, 3};
-    matmat::__Bt_A_B_op<matrix_fixed<double, 3, 2>, symmetric_fixed<double, 2>>(0.0, D, E, U);
-    EXPECT_EQ(U[1], 2.0);
 }
 
 TEST(SmallProducts, TransposedInverse)
@@ -133,8 +125,6 @@ TEST(Cholesky, FactorsSemidefiniteMatrices)
     EXPECT_EQ(r[3], 1.0);
     EXPECT_EQ(r[5], 2.0);
 
-    double neg[6] = {-1, 0.5, 1, 0, 0, 1};
-    EXPECT_FALSE(matmat::__Cholesky_factor(neg[0], neg[1], neg[2], neg[3], neg[4], neg[5]));
     double indefinite[6] = {1, 2, 1, 0, 0, 1};
     EXPECT_FALSE(matmat::__Cholesky_factor(indefinite[0], indefinite[1], indefinite[2], indefinite[3],
                                            indefinite[4], indefinite[5]));

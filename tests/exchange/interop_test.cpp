@@ -9,7 +9,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using namespace exchange_files;
+using namespace exchange_test;
 
 namespace {
 
@@ -17,7 +17,7 @@ namespace {
 // the interpreter is missing. The snippet prints "missing" when its module cannot be imported.
 std::string python(std::string const& module, std::string const& body, std::string const& path)
 {
-    if (!exists("/usr/bin/python3")) return "";
+    if (!file_exists("/usr/bin/python3")) return "";
     std::string script = "import sys, warnings\nwarnings.simplefilter('ignore')\ntry:\n    import " + module +
                          "\nexcept Exception:\n    print('missing'); sys.exit(0)\n" + body;
     std::string script_path = write_file("interop.py", script);
@@ -34,8 +34,8 @@ std::string python(std::string const& module, std::string const& body, std::stri
 // A closed octahedron: 6 nodes, 8 triangles.
 void octahedron(dense2D<double>& pos, dense2D<unsigned>& T3)
 {
-    pos = matrix<double>(3, 6, {1, 0, 0, -1, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 1, 0, 0, -1});
-    T3 = matrix<unsigned>(3, 8, {0, 2, 4, 2, 1, 4, 1, 3, 4, 3, 0, 4, 2, 0, 5, 1, 2, 5, 3, 1, 5, 0, 3, 5});
+    pos = matrix<double>(3, {1, 0, 0, -1, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 1, 0, 0, -1});
+    T3 = matrix<unsigned>(3, {0, 2, 4, 2, 1, 4, 1, 3, 4, 3, 0, 4, 2, 0, 5, 1, 2, 5, 3, 1, 5, 0, 3, 5});
 }
 
 }  // namespace
@@ -66,7 +66,7 @@ TEST(Interop, NumpyStlLoadsBothForms)
 TEST(Interop, MeshioLoadsStlAndObj)
 {
     dense2D<double> pos, none;
-    dense2D<unsigned> T3, Q4 = matrix<unsigned>(4, 1, {0, 2, 1, 3});
+    dense2D<unsigned> T3, Q4 = matrix<unsigned>(4, {0, 2, 1, 3});
     octahedron(pos, T3);
     std::string stl = temp_path("interop_m.stl"), obj = temp_path("interop_m.obj");
     ASSERT_EQ(STL_output(stl.c_str(), pos, T3, false), 0);

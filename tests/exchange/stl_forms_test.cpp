@@ -10,7 +10,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using namespace exchange_files;
+using namespace exchange_test;
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using namespace exchange_files;
+using namespace exchange_test;
 
 namespace {
 
@@ -29,8 +29,8 @@ struct binary_stl {
 };
 
 // Triangles with normals (0,0,1), (0,-1,0) and (-0.6,0,-0.8); the fourth is degenerate.
-dense2D<double> nodes3() { return matrix<double>(3, 5, {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 3, 4, 0, -3}); }
-dense2D<unsigned> triangles() { return matrix<unsigned>(3, 4, {0, 1, 2, 0, 1, 3, 0, 2, 4, 1, 1, 1}); }
+dense2D<double> nodes3() { return matrix<double>(3, {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 3, 4, 0, -3}); }
+dense2D<unsigned> triangles() { return matrix<unsigned>(3, {0, 1, 2, 0, 1, 3, 0, 2, 4, 1, 1, 1}); }
 
 }  // namespace
 
@@ -94,8 +94,8 @@ TEST(STLOutput, NoTrianglesAndPlanarNodes)
     EXPECT_EQ(read_file(path), binary_stl(0).bytes);
 
     // A 2-row pos gets z = 0; the last node is read from its own column only.
-    dense2D<double> plane = matrix<double>(2, 3, {0, 0, 2, 0, 0, 3});
-    ASSERT_EQ(STL_output(path.c_str(), plane, matrix<unsigned>(3, 1, {1, 2, 0}), false), 0);
+    dense2D<double> plane = matrix<double>(2, {0, 0, 2, 0, 0, 3});
+    ASSERT_EQ(STL_output(path.c_str(), plane, matrix<unsigned>(3, {1, 2, 0}), false), 0);
     binary_stl flat(1);
     flat.facet({0, 0, 1, 2, 0, 0, 0, 3, 0, 0, 0, 0});
     EXPECT_EQ(read_file(path), flat.bytes);
@@ -112,9 +112,9 @@ TEST(STLOutput, RefusalsInOrder)
     };
     for (auto const& c : std::vector<refusal>{
              {-2, dense2D<double>(), triangles()},
-             {-2, matrix<double>(1, 3, {0, 1, 2}), matrix<unsigned>(3, 1, {0, 1, 2})},
-             {-3, pos, matrix<unsigned>(3, 1, {0, 1, 5})},
-             {-3, pos, matrix<unsigned>(4, 1, {0, 1, 2, 3})},
+             {-2, matrix<double>(1, {0, 1, 2}), matrix<unsigned>(3, {0, 1, 2})},
+             {-3, pos, matrix<unsigned>(3, {0, 1, 5})},
+             {-3, pos, matrix<unsigned>(4, {0, 1, 2, 3})},
          }) {
         for (bool text : {true, false}) {
             std::string path = write_file("refused.stl", "old contents");
@@ -126,7 +126,7 @@ TEST(STLOutput, RefusalsInOrder)
 
 TEST(STLOutput, FailedWriteIsReported)
 {
-    if (!exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+    if (!file_exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
     dense2D<double> pos = nodes3();
     dense2D<unsigned> many;
     many.resize(3, 2000, 0u);

@@ -9,7 +9,7 @@
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using namespace exchange_files;
+using namespace exchange_test;
 
 namespace {
 
@@ -25,7 +25,7 @@ struct obj_mesh {
 // A unit square split in a triangle and a quadrilateral over four nodes.
 dense2D<double> square_nodes()
 {
-    return matrix<double>(3, 4, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0.5});
+    return matrix<double>(3, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0.5});
 }
 
 std::vector<unsigned> ids_of(char const* token)
@@ -82,7 +82,7 @@ TEST(WavefrontOBJOutput, NodesAndFacesWithEmptySlots)
 {
     std::string path = temp_path("plain.obj");
     ASSERT_EQ(WavefrontOBJ_output(path.c_str(), square_nodes(), dense2D<double>(), dense2D<double>(),
-                                  matrix<unsigned>(3, 1, {0, 1, 2}), matrix<unsigned>(4, 1, {0, 1, 2, 3})),
+                                  matrix<unsigned>(3, {0, 1, 2}), matrix<unsigned>(4, {0, 1, 2, 3})),
               0);
     EXPECT_EQ(read_file(path),
               " v 0.00000000e+00 0.00000000e+00 0.00000000e+00 \n"
@@ -96,10 +96,10 @@ TEST(WavefrontOBJOutput, NodesAndFacesWithEmptySlots)
 TEST(WavefrontOBJOutput, TexturesAndNormalsShareTheNodeID)
 {
     std::string path = temp_path("full.obj");
-    dense2D<double> pos = matrix<double>(2, 2, {-1.5e-10, 123456.789, 2, 0.1});
-    dense2D<double> textures = matrix<double>(2, 2, {0.25, 1, 0, 0.75});
-    dense2D<double> normals = matrix<double>(3, 2, {0, 0, 1, 0, 0, -1});
-    ASSERT_EQ(WavefrontOBJ_output(path.c_str(), pos, normals, textures, matrix<unsigned>(3, 1, {1, 0, 1}),
+    dense2D<double> pos = matrix<double>(2, {-1.5e-10, 123456.789, 2, 0.1});
+    dense2D<double> textures = matrix<double>(2, {0.25, 1, 0, 0.75});
+    dense2D<double> normals = matrix<double>(3, {0, 0, 1, 0, 0, -1});
+    ASSERT_EQ(WavefrontOBJ_output(path.c_str(), pos, normals, textures, matrix<unsigned>(3, {1, 0, 1}),
                                   dense2D<unsigned>()),
               0);
     EXPECT_EQ(read_file(path),
@@ -115,7 +115,7 @@ TEST(WavefrontOBJOutput, TexturesAndNormalsShareTheNodeID)
 TEST(WavefrontOBJOutput, RefusalsInOrderLeaveAnEmptyFile)
 {
     dense2D<double> pos = square_nodes(), none;
-    dense2D<unsigned> T3 = matrix<unsigned>(3, 1, {0, 1, 2}), Q4 = matrix<unsigned>(4, 1, {0, 1, 2, 3}), no;
+    dense2D<unsigned> T3 = matrix<unsigned>(3, {0, 1, 2}), Q4 = matrix<unsigned>(4, {0, 1, 2, 3}), no;
     EXPECT_EQ(WavefrontOBJ_output(unopenable().c_str(), dense2D<double>(), none, none, no, no), -1);
 
     struct refusal {
@@ -125,11 +125,11 @@ TEST(WavefrontOBJOutput, RefusalsInOrderLeaveAnEmptyFile)
     };
     std::vector<refusal> cases = {
         {-2, dense2D<double>(), none, none, no, no},
-        {-2, matrix<double>(4, 1, {0, 0, 0, 0}), none, none, no, no},
-        {-3, pos, matrix<double>(3, 3, {0, 0, 1, 0, 0, 1, 0, 0, 1}), none, T3, Q4},
-        {-3, pos, matrix<double>(2, 4, {0, 0, 0, 0, 0, 0, 0, 0}), none, T3, Q4},
-        {-4, pos, none, matrix<double>(3, 4, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}), T3, Q4},
-        {-4, pos, none, matrix<double>(2, 1, {0, 0}), T3, Q4},
+        {-2, matrix<double>(4, {0, 0, 0, 0}), none, none, no, no},
+        {-3, pos, matrix<double>(3, {0, 0, 1, 0, 0, 1, 0, 0, 1}), none, T3, Q4},
+        {-3, pos, matrix<double>(2, {0, 0, 0, 0, 0, 0, 0, 0}), none, T3, Q4},
+        {-4, pos, none, matrix<double>(3, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}), T3, Q4},
+        {-4, pos, none, matrix<double>(2, {0, 0}), T3, Q4},
         {-5, pos, none, none, Q4, Q4},
         {-6, pos, none, none, T3, T3},
     };
@@ -140,15 +140,15 @@ TEST(WavefrontOBJOutput, RefusalsInOrderLeaveAnEmptyFile)
     }
     // Only the shape is tested, not the range of the node numbers.
     std::string path = temp_path("far.obj");
-    EXPECT_EQ(WavefrontOBJ_output(path.c_str(), pos, none, none, matrix<unsigned>(3, 1, {7, 8, 9}), no), 0);
+    EXPECT_EQ(WavefrontOBJ_output(path.c_str(), pos, none, none, matrix<unsigned>(3, {7, 8, 9}), no), 0);
     EXPECT_NE(read_file(path).find(" f 8// 9// 10// \n"), std::string::npos);
 }
 
 TEST(WavefrontOBJOutput, OneAndTwoConnectivityForms)
 {
-    dense2D<double> pos = matrix<double>(2, 4, {0, 0, 1, 0, 1, 1, 0, 1});
-    dense2D<unsigned> T3a = matrix<unsigned>(3, 1, {0, 1, 2}), T3b = matrix<unsigned>(3, 1, {0, 2, 3});
-    dense2D<unsigned> Q4 = matrix<unsigned>(4, 1, {0, 1, 2, 3}), E2 = matrix<unsigned>(2, 1, {0, 1});
+    dense2D<double> pos = matrix<double>(2, {0, 0, 1, 0, 1, 1, 0, 1});
+    dense2D<unsigned> T3a = matrix<unsigned>(3, {0, 1, 2}), T3b = matrix<unsigned>(3, {0, 2, 3});
+    dense2D<unsigned> Q4 = matrix<unsigned>(4, {0, 1, 2, 3}), E2 = matrix<unsigned>(2, {0, 1});
     std::string nodes =
         " v 0.00000000e+00 0.00000000e+00 0.00000000e+00 \n"
         " v 1.00000000e+00 0.00000000e+00 0.00000000e+00 \n"
@@ -176,9 +176,9 @@ TEST(WavefrontOBJInput, ReadsWhatTheWriterWrote)
 {
     std::string path = temp_path("round.obj");
     dense2D<double> pos = square_nodes();
-    dense2D<double> textures = matrix<double>(2, 4, {0, 0, 1, 0, 1, 1, 0, 1});
-    dense2D<double> normals = matrix<double>(3, 4, {0, 0, 1, 0, 0, 1, 0, 0, 1, 0.6, 0, 0.8});
-    dense2D<unsigned> T3 = matrix<unsigned>(3, 2, {0, 1, 2, 2, 3, 0}), Q4 = matrix<unsigned>(4, 1, {3, 2, 1, 0});
+    dense2D<double> textures = matrix<double>(2, {0, 0, 1, 0, 1, 1, 0, 1});
+    dense2D<double> normals = matrix<double>(3, {0, 0, 1, 0, 0, 1, 0, 0, 1, 0.6, 0, 0.8});
+    dense2D<unsigned> T3 = matrix<unsigned>(3, {0, 1, 2, 2, 3, 0}), Q4 = matrix<unsigned>(4, {3, 2, 1, 0});
     ASSERT_EQ(WavefrontOBJ_output(path.c_str(), pos, normals, textures, T3, Q4), 0);
     obj_mesh in;
     ASSERT_EQ(in.read(path), 0);
@@ -250,8 +250,8 @@ TEST(WavefrontOBJInput, FailedOpenEmptiesEverything)
 {
     obj_mesh m;
     m.pos = square_nodes();
-    m.T3 = matrix<unsigned>(3, 1, {0, 1, 2});
-    m.textures = matrix<double>(1, 1, {0});
+    m.T3 = matrix<unsigned>(3, {0, 1, 2});
+    m.textures = matrix<double>(1, {0});
     EXPECT_EQ(m.read(unopenable()), -1);
     EXPECT_TRUE(m.pos.empty());
     EXPECT_TRUE(m.T3.empty());
@@ -304,10 +304,10 @@ TEST(WavefrontOBJInput, CorpusFiles)
         {"tm_negative_indices.obj", 8, 6, 14, 2, 0, 6},    {"tm_polygonfaces.obj", 5, 0, 0, 0, 0, 0},
         {"tm_quadknot.obj", 1440, 1440, 3, 2, 0, 1440},    {"tm_wallhole.obj", 92, 92, 92, 2, 0, 0},
     };
-    if (corpus_file("obj").empty()) GTEST_SKIP() << "no corpus on this machine";
+    if (corpus_dir("obj").empty()) GTEST_SKIP() << "no corpus on this machine";
     for (auto const& f : files) {
-        std::string path = corpus_file(std::string("obj/") + f.name);
-        if (path.empty()) continue;
+        std::string path = corpus_dir("obj") + f.name;
+        if (!file_exists(path)) continue;
         obj_mesh m;
         ASSERT_EQ(m.read(path), 0) << f.name;
         EXPECT_EQ(m.pos.cols(), f.nodes) << f.name;
@@ -318,8 +318,8 @@ TEST(WavefrontOBJInput, CorpusFiles)
         EXPECT_EQ(m.Q4.cols(), f.Q4) << f.name;
     }
     obj_mesh m;
-    std::string negative = corpus_file("obj/tm_negative_indices.obj");
-    if (!negative.empty() && m.read(negative) == 0 && m.Q4.cols() == 6) {
+    std::string negative = corpus_dir("obj") + "tm_negative_indices.obj";
+    if (file_exists(negative) && m.read(negative) == 0 && m.Q4.cols() == 6) {
         EXPECT_EQ(column(m.Q4, 0), (std::vector<unsigned>{0xFFFFFFF7u, 0xFFFFFFFBu, 0xFFFFFFFDu, 0xFFFFFFF9u}));
     }
 }
