@@ -23,5 +23,7 @@
 #include "connectivity.h"
 #include "nastran.h"
 #include "femap.h"
+#include "node_detector.h"
+#include "repair.h"
 #include "wavefront_obj.h"
 #include "stl.h"
