@@ -3,7 +3,7 @@
 #include "exchange/femap_input.h"
 
 #include "exchange/femap_tables.h"
-#include "exchange/grouped_mesh.h"
+#include "exchange/convenience_forms.h"
 #include "tessarium/array_ops.h"
 #include "tessarium/femap.h"
 

@@ -2,8 +2,10 @@
 // elements. Numbers take the default stream format: six significant digits in the shorter of
 // fixed and exponent notation ("%g").
 #include "exchange/femap_tables.h"
-#include "exchange/grouped_mesh.h"
-#include "exchange/text_output.h"
+#include "exchange/convenience_forms.h"
+#include "exchange/group_checks.h"
+#include "exchange/groups.h"
+#include "exchange/text_sink.h"
 #include "tessarium/femap.h"
 
 #include <cstdio>
@@ -22,50 +24,43 @@ constexpr char const* record_tail =
     "0.,0.,0.,\n"
     "0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\n";
 
-void write_nodes(dense2D<double> const& pos, __text_output& out)
+void write_nodes(dense2D<double> const& pos, __text_sink& out)
 {
-    out.put(banner).put("*********** NODES ***************\n").put(banner).put(block_end).put("403\n");
+    out.text(banner).text("*********** NODES ***************\n").text(banner).text(block_end).text("403\n");
     for (std::size_t j = 0; j < pos.cols(); ++j) {
         double const* p = pos.col(j);
         double z = pos.rows() == 3 ? p[2] : 0.0;
-        out.put_integer(j + 1).put(",0,0,1,0,0,0,0,0,0,0,");
-        out.print("%g,%g,%g,0,\n", p[0], p[1], z);
+        out.integer(j + 1).text(",0,0,1,0,0,0,0,0,0,0,");
+        out.general(p[0]).put(',').general(p[1]).put(',').general(z).text(",0,\n");
     }
-    out.put(block_end);
+    out.text(block_end);
 }
 
 // Slots hold the node index plus 1, except the corners of the 6-node triangle, which are
 // written without it.
 void write_record(__femap_kind const& kind, std::size_t column, unsigned ID, unsigned const* nodes,
-                  __text_output& out)
+                  __text_sink& out)
 {
     unsigned slots[__femap_slot_count] = {};
     for (unsigned i = 0; i < nbr_nodes(kind.type); ++i)
         slots[kind.slots[i]] = nodes[i] + (kind.type == ET_FACE_T6 && i < 3 ? 0 : 1);
-    out.put_integer(column + 1).put(',').put_integer(ID).put(",1,");
-    out.put_integer(unsigned(kind.type_code)).put(',').put_integer(unsigned(kind.topology));
-    out.put(",1,0,0,0,0,0,0,0,\n");
+    out.integer(column + 1).put(',').integer(ID).text(",1,");
+    out.integer(unsigned(kind.type_code)).put(',').integer(unsigned(kind.topology));
+    out.text(",1,0,0,0,0,0,0,0,\n");
     for (unsigned s = 0; s < __femap_slot_count; ++s) {
-        out.put_integer(slots[s]).put(',');
+        out.integer(slots[s]).put(',');
         if (s % 10 == 9) out.put('\n');
     }
-    out.put(record_tail);
-}
-
-// The kind of one column of a group; null for what has no record (pyramids of a mixed group).
-__femap_kind const* column_kind(element_type group, unsigned const* column, std::size_t rows) noexcept
-{
-    if (group == ET_FACE_MIX) return __femap_kind_of_type(__face_mix_element(column, rows));
-    if (group == ET_SOLID_MIX) return __femap_kind_of_type(__solid_mix_element(column, rows));
-    return __femap_kind_of_type(group);
+    out.text(record_tail);
 }
 
 void write_group(dense2D<unsigned> const& connectM, __column_range range, element_type group,
-                 dense1D<unsigned, 8> const& IDs, __text_output& out)
+                 dense1D<unsigned, 8> const& IDs, __text_sink& out)
 {
     for (std::size_t j = range.first; j < range.first + range.count; ++j) {
         unsigned const* column = connectM.col(j);
-        if (__femap_kind const* kind = column_kind(group, column, connectM.rows()))
+        // Types without a record, the pyramids of a mixed group among them, are left out.
+        if (__femap_kind const* kind = __femap_kind_of_type(__column_type(group, column, connectM.rows())))
             write_record(*kind, j, IDs[j], column, out);
     }
 }
@@ -84,12 +79,12 @@ int FEMAP_output(char const* file_name, dense2D<double> const& pos, dense2D<unsi
     else
         result = __check_grouped_mesh(pos, connectM, indices, FEs, IDs.size());
     if (file && result == 0 && !connectM.empty()) {
-        __text_output out(file);
+        __text_sink out(file);
         write_nodes(pos, out);
-        out.put(banner).put("********* ELEMENTS **************\n").put(banner).put(block_end).put("404\n");
+        out.text(banner).text("********* ELEMENTS **************\n").text(banner).text(block_end).text("404\n");
         for (std::size_t g = 0; g < FEs.size(); ++g)
             write_group(connectM, __group_columns(indices, g), static_cast<element_type>(FEs[g]), IDs, out);
-        out.put(block_end);
+        out.text(block_end);
     }
     if (file) std::fclose(file);
     return result;

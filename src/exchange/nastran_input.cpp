@@ -2,7 +2,7 @@
 // file numbering (column ID - 1); elements are columns in file order, grouped by type.
 #include "exchange/nastran_input.h"
 
-#include "exchange/grouped_mesh.h"
+#include "exchange/convenience_forms.h"
 #include "exchange/nastran_tables.h"
 #include "tessarium/nastran.h"
 

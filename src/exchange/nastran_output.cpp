@@ -1,8 +1,10 @@
 // Writes a mesh as a NASTRAN bulk data deck: grid points in large field, element cards in free
 // field with continuation lines, and a dummy material card.
-#include "exchange/grouped_mesh.h"
+#include "exchange/convenience_forms.h"
+#include "exchange/group_checks.h"
+#include "exchange/groups.h"
 #include "exchange/nastran_tables.h"
-#include "exchange/text_output.h"
+#include "exchange/text_sink.h"
 #include "tessarium/nastran.h"
 
 #include <algorithm>
@@ -29,47 +31,42 @@ constexpr char const* elements_head =
     "$                 ELEMENTS               \n"
     "$----------------------------------------\n";
 
-// Two lines per node, the ID being the column plus 1; a 2-row pos has z = 0.
-void write_grids(dense2D<double> const& pos, __text_output& out)
+// Two lines per node, "GRID*   %16d                %16E%16E*C" and "*C      %16E", the ID being
+// the column plus 1; a 2-row pos has z = 0.
+void write_grids(dense2D<double> const& pos, __text_sink& out)
 {
     for (std::size_t j = 0; j < pos.cols(); ++j) {
         double const* p = pos.col(j);
         double z = pos.rows() == 3 ? p[2] : 0.0;
-        out.print("GRID*   %16d                %16E%16E*C\n", static_cast<int>(j + 1), p[0], p[1]);
-        out.print("*C      %16E\n", z);
+        out.text("GRID*   ").integer(static_cast<int>(j + 1), 16).text("                ");
+        out.scientific(p[0], 6, true, 16).scientific(p[1], 6, true, 16).text("*C\n*C      ");
+        out.scientific(z, 6, true, 16).put('\n');
     }
 }
 
 // The fields of a card run in lines of nine, the name or the "+C" mark being the first.
 void write_card(__nastran_card const& card, std::size_t column, unsigned PID, unsigned const* nodes,
-                __text_output& out)
+                __text_sink& out)
 {
-    out.put(card.name).put(',').put_integer(column + 1).put(',').put_integer(static_cast<int>(PID));
+    out.text(card.name).put(',').integer(column + 1).put(',').integer(static_cast<int>(PID));
     int field = 3;
     for (unsigned p = 0; p < card.count; ++p) {
         if (field == 9) {
-            out.put(",+C\n+C");
+            out.text(",+C\n+C");
             field = 1;
         }
-        out.put(',').put_integer(static_cast<int>(nodes[card.nodes[p]] + 1));
+        out.put(',').integer(static_cast<int>(nodes[card.nodes[p]] + 1));
         ++field;
     }
     out.put('\n');
 }
 
-element_type column_type(element_type group, unsigned const* column, std::size_t rows) noexcept
-{
-    if (group == ET_FACE_MIX) return __face_mix_element(column, rows);
-    if (group == ET_SOLID_MIX) return __solid_mix_element(column, rows);
-    return group;
-}
-
 void write_group(dense2D<unsigned> const& connectM, __column_range range, element_type group,
-                 dense1D<unsigned, 8> const& PIDs, __text_output& out)
+                 dense1D<unsigned, 8> const& PIDs, __text_sink& out)
 {
     for (std::size_t j = range.first; j < range.first + range.count; ++j) {
         unsigned const* column = connectM.col(j);
-        __nastran_card const& card = __nastran_cards[column_type(group, column, connectM.rows())];
+        __nastran_card const& card = __nastran_cards[__column_type(group, column, connectM.rows())];
         if (card.name) write_card(card, j, PIDs[j], column, out);
     }
 }
@@ -87,13 +84,13 @@ int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<un
     int refused = __check_grouped_mesh(pos, connectM, indices, FEs, PIDs.size());
     if (refused) return refused;
     {
-        __text_output out(file);
-        out.put(deck_head);
+        __text_sink out(file);
+        out.text(deck_head);
         write_grids(pos, out);
-        out.put(elements_head);
+        out.text(elements_head);
         for (std::size_t g = 0; g < FEs.size(); ++g)
             write_group(connectM, __group_columns(indices, g), static_cast<element_type>(FEs[g]), PIDs, out);
-        out.put("ENDDATA\n");
+        out.text("ENDDATA\n");
     }
     std::fclose(file);
     return 0;

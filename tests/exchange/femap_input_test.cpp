@@ -5,28 +5,16 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 using namespace qv7;
 using namespace qv7::tessarium;
-using exchange_test::column;
-using exchange_test::values;
-using V = std::vector<unsigned>;
-using P = std::vector<double>;
-using T = std::vector<int>;
+using namespace exchange_test;
 
 namespace {
 
 constexpr unsigned X = NONE_ID;
-using neutral = exchange_test::grouped_read;
+using neutral = grouped_read;
 
-neutral read_neutral(std::string const& text)
-{
-    neutral f;
-    std::istringstream in(text);
-    f.result = __FEMAP_input(in, f.pos, f.connectM, f.indices, f.FEs, f.per_element);
-    return f;
-}
+neutral read_neutral(std::string const& text) { return read_text(__FEMAP_input, text); }
 
 std::string node_line(int ID, char const* xyz) { return std::to_string(ID) + ",0,0,1,0,0,0,0,0,0,0," + xyz + ",0,\n"; }
 
@@ -38,21 +26,6 @@ std::string record(int value, int topology, std::string const& slots1, std::stri
 }
 
 }  // namespace
-
-TEST(FemapInput, LineHelpers)
-{
-    std::vector<std::string> words = {"old", "old", "old", "old", "old", "old"};
-    __get_words(" 1, a b ,,x,", words);
-    EXPECT_EQ(words, std::vector<std::string>({" 1", " a b ", "x"}));
-    std::string text = " 4\t0 3 \r";
-    EXPECT_EQ(__remove_spaces(text), "4\t03\r");
-    std::istringstream in("a\nb\nc\nd");
-    __skip_lines(in, 2);
-    std::getline(in, text);
-    EXPECT_EQ(text, "c");
-    __skip_lines(in, 5);
-    EXPECT_FALSE(std::getline(in, text));
-}
 
 TEST(FemapInput, NodeRecordsFollowTheirIDs)
 {
@@ -130,34 +103,26 @@ TEST(FemapInput, FailedGrowthGivesMinus199)
     for (int k = 1; k <= 50; ++k) elements += record(k, k % 2 ? 6 : 2, "1,2,3,0,4,");
     long blocks = test_alloc::live_blocks();
     for (std::string const& text : {nodes, elements}) {
-        int failures = 0;
-        for (std::size_t successes = 0;; ++successes, ++failures) {
-            neutral f;
-            std::istringstream in(text);
-            {
-                test_alloc::failing_scope guard(successes);
-                f.result = __FEMAP_input(in, f.pos, f.connectM, f.indices, f.FEs, f.per_element);
-            }
-            if (f.result == 0) {
-                EXPECT_EQ(f.pos.cols() + f.connectM.cols(), text == nodes ? 300u : 50u);
-                break;
-            }
-            ASSERT_EQ(f.result, -199) << successes;
-            EXPECT_EQ(f.per_element.size(), f.connectM.cols());
-        }
-        EXPECT_GT(failures, 3);
+        std::size_t read = 0;
+        EXPECT_GT(failed_runs_before_success([&] {
+                      neutral f = read_neutral(text);
+                      EXPECT_EQ(f.per_element.size(), f.connectM.cols());
+                      read = f.pos.cols() + f.connectM.cols();
+                      return f.result;
+                  }),
+                  3u);
+        EXPECT_EQ(read, text == nodes ? 300u : 50u);
     }
     EXPECT_EQ(test_alloc::live_blocks(), blocks);
 }
 
 TEST(FemapInput, FileFormsAndTheirViews)
 {
-    using exchange_test::write_file;
     dense2D<double> pos;
     dense2D<unsigned> M, M1, M2;
-    dense1D<unsigned, 8> indices = exchange_test::array<unsigned>({4}), IDs;
+    dense1D<unsigned, 8> indices = array<unsigned>({4}), IDs;
     dense1D<int, 8> FEs;
-    EXPECT_EQ(FEMAP_input(exchange_test::temp_path("none/x.neu").c_str(), pos, M, indices, FEs, IDs), -1);
+    EXPECT_EQ(FEMAP_input(temp_path("none/x.neu").c_str(), pos, M, indices, FEs, IDs), -1);
     EXPECT_TRUE(indices.empty());
 
     std::string path = write_file("three.neu", "404\n" + record(1, 2, "1,2,3,") + record(2, 2, "2,3,4,") +
@@ -180,13 +145,9 @@ TEST(FemapInput, FileFormsAndTheirViews)
 
 TEST(FemapInput, FilesOfOtherSoftware)
 {
-    std::string dir = exchange_test::corpus_dir("femap");
+    std::string dir = corpus_dir("femap");
     if (dir.empty()) GTEST_SKIP() << "no corpus on this machine";
-    auto read = [&](char const* name) {
-        neutral f;
-        f.result = FEMAP_input((dir + name).c_str(), f.pos, f.connectM, f.indices, f.FEs, f.per_element);
-        return f;
-    };
+    auto read = [&](char const* name) { return read_path(FEMAP_input, dir + name); };
     neutral results = read("pyn_all_elem_test_giv_eb.neu");  // results only
     EXPECT_EQ(results.result, 0);
     EXPECT_TRUE(results.pos.empty() && results.connectM.empty());

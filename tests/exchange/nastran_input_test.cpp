@@ -6,27 +6,19 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using exchange_test::column;
-using exchange_test::values;
-using V = std::vector<unsigned>;
-using P = std::vector<double>;
-using T = std::vector<int>;
+using namespace exchange_test;
 
 namespace {
 
 constexpr unsigned X = NONE_ID;
-using deck = exchange_test::grouped_read;
+using deck = grouped_read;
 
 deck read_deck(std::string const& text, std::size_t max_ID = __max_node_ID)
 {
-    deck d;
-    std::istringstream in(text);
-    d.result = __NASTRAN_input(in, d.pos, d.connectM, d.indices, d.FEs, d.per_element, max_ID);
-    return d;
+    return read_text(__NASTRAN_input, text, max_ID);
 }
 
 }  // namespace
@@ -183,19 +175,12 @@ TEST(NastranInput, FailedGrowthGivesMinus199)
     std::string text = "BEGIN BULK\n";
     for (int k = 1; k <= 300; ++k) text += "GRID," + std::to_string(k) + ",0,1.,2.,3.\nCTRIA3,1,1,1,2,3\n";
     long blocks = test_alloc::live_blocks();
-    int failures = 0;
-    for (std::size_t successes = 0;; ++successes, ++failures) {
-        deck d;
-        std::istringstream in(text);
-        {
-            test_alloc::failing_scope guard(successes);
-            d.result = __NASTRAN_input(in, d.pos, d.connectM, d.indices, d.FEs, d.per_element);
-        }
-        if (d.result == 0) break;
-        ASSERT_EQ(d.result, -199) << successes;
-        EXPECT_EQ(d.per_element.size(), d.connectM.cols());
-    }
-    EXPECT_GT(failures, 3);
+    EXPECT_GT(failed_runs_before_success([&] {
+                  deck d = read_deck(text);
+                  EXPECT_EQ(d.per_element.size(), d.connectM.cols());
+                  return d.result;
+              }),
+              3u);
     EXPECT_EQ(test_alloc::live_blocks(), blocks);
     // Growth by doubling, not per card.
     test_alloc::reset();
@@ -220,12 +205,11 @@ TEST(NastranInput, HostileLinesAreSurvived)
 
 TEST(NastranInput, FileFormsAndTheirViews)
 {
-    using exchange_test::write_file;
     dense2D<double> pos;
-    dense2D<unsigned> M = exchange_test::matrix<unsigned>(1, {7}), M1, M2;
-    dense1D<unsigned, 8> indices = exchange_test::array<unsigned>({1, 2}), PIDs;
+    dense2D<unsigned> M = matrix<unsigned>(1, {7}), M1, M2;
+    dense1D<unsigned, 8> indices = array<unsigned>({1, 2}), PIDs;
     dense1D<int, 8> FEs;
-    EXPECT_EQ(NASTRAN_input(exchange_test::temp_path("no/such.bdf").c_str(), pos, M, indices, FEs, PIDs), -1);
+    EXPECT_EQ(NASTRAN_input(temp_path("no/such.bdf").c_str(), pos, M, indices, FEs, PIDs), -1);
     EXPECT_TRUE(M.empty() && indices.empty());
 
     // One matrix: FE only for one group.
@@ -253,13 +237,9 @@ TEST(NastranInput, FileFormsAndTheirViews)
 
 TEST(NastranInput, DecksOfOtherSoftware)
 {
-    std::string dir = exchange_test::corpus_dir("nastran");
+    std::string dir = corpus_dir("nastran");
     if (dir.empty()) GTEST_SKIP() << "no corpus on this machine";
-    auto read = [&](std::string const& name) {
-        deck d;
-        d.result = NASTRAN_input((dir + name).c_str(), d.pos, d.connectM, d.indices, d.FEs, d.per_element);
-        return d;
-    };
+    auto read = [&](std::string const& name) { return read_path(NASTRAN_input, dir + name); };
     auto count_of = [](deck const& d, element_type type) {
         std::size_t n = 0;
         for (std::size_t g = 0; g < d.FEs.size(); ++g) n += d.FEs[g] == type ? d.indices[g + 1] - d.indices[g] : 0;

@@ -155,7 +155,7 @@ TEST(STLInput, FailuresLeaveEmptyArrays)
         EXPECT_EQ(m.code, code) << bytes;
         EXPECT_TRUE(m.pos.empty() && m.T3.empty()) << bytes;
     }
-    stl_mesh m = read(unopenable());
+    stl_mesh m = read(unwritable_path());
     EXPECT_EQ(m.code, -1);
     EXPECT_TRUE(m.pos.empty() && m.T3.empty());
 }
@@ -238,7 +238,7 @@ TEST(STLInput, CorpusFiles)
              {"tm_multibody.stl", 32, 0},             {"tm_stl_empty_ascii.stl", 0, 0},
              {"tm_two_objects_mixed_case_names.stl", 24, 0}}) {
         std::string path = corpus_dir("stl") + f.name;
-        if (!file_exists(path)) continue;
+        if (!exists(path)) continue;
         stl_mesh m = read(path);
         ASSERT_EQ(m.code, 0) << f.name;
         // Welding may drop collapsed facets, never add any.

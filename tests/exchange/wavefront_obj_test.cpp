@@ -61,21 +61,21 @@ TEST(WavefrontOBJ, WriterForms)
     dense2D<unsigned> T3 = matrix<unsigned>(3, {0, 1, 2}), T3b = matrix<unsigned>(3, {0, 2, 3}),
                       Q4 = matrix<unsigned>(4, {0, 1, 2, 3}), E2 = matrix<unsigned>(2, {0, 1});
     ASSERT_EQ(WavefrontOBJ_output(path.c_str(), pos, none, none, T3, Q4), 0);
-    EXPECT_EQ(read_file(path), nodes_2x2 + " f 1// 2// 3// \n f 1// 2// 3// 4// \n");
+    EXPECT_EQ(contents(path), nodes_2x2 + " f 1// 2// 3// \n f 1// 2// 3// 4// \n");
     EXPECT_EQ(WavefrontOBJ_output(path.c_str(), pos, E2, ET_EDGE2), 0);
-    EXPECT_EQ(read_file(path), nodes_2x2);
+    EXPECT_EQ(contents(path), nodes_2x2);
     EXPECT_EQ(WavefrontOBJ_output(path.c_str(), pos, T3b, T3, ET_FACE_T3, ET_FACE_T3), 0);
-    EXPECT_EQ(read_file(path), nodes_2x2 + " f 1// 3// 4// \n f 1// 2// 3// \n");
+    EXPECT_EQ(contents(path), nodes_2x2 + " f 1// 3// 4// \n f 1// 2// 3// \n");
     // Each matrix goes by its own type: quadrilaterals follow triangles whatever the order.
     EXPECT_EQ(WavefrontOBJ_output(path.c_str(), pos, Q4, T3, ET_FACE_Q4, ET_FACE_T3), 0);
-    EXPECT_EQ(read_file(path), nodes_2x2 + " f 1// 2// 3// \n f 1// 2// 3// 4// \n");
+    EXPECT_EQ(contents(path), nodes_2x2 + " f 1// 2// 3// \n f 1// 2// 3// 4// \n");
 
     // A 2-row pos gets z = 0; textures and normals share the node's ID.
     ASSERT_EQ(WavefrontOBJ_output(path.c_str(), matrix<double>(2, {-1.5e-10, 123456.789, 2, 0.1}),
                                   matrix<double>(3, {0, 0, 1, 0, 0, -1}), matrix<double>(2, {0.25, 1, 0, 0.75}),
                                   matrix<unsigned>(3, {1, 0, 1}), dense2D<unsigned>()),
               0);
-    EXPECT_EQ(read_file(path),
+    EXPECT_EQ(contents(path),
               " v -1.50000000e-10 1.23456789e+05 0.00000000e+00 \n"
               " v 2.00000000e+00 1.00000000e-01 0.00000000e+00 \n"
               " vt 2.50000000e-01 1.00000000e+00 \n vt 0.00000000e+00 7.50000000e-01 \n"
@@ -88,7 +88,7 @@ TEST(WavefrontOBJ, WriterRefusalsLeaveAnEmptyFile)
 {
     dense2D<double> pos = matrix<double>(3, {0, 0, 0, 1, 0, 0}), none;
     dense2D<unsigned> T3 = matrix<unsigned>(3, {0, 1, 1}), Q4 = matrix<unsigned>(4, {0, 1, 1, 0}), no;
-    EXPECT_EQ(WavefrontOBJ_output(unopenable().c_str(), pos, none, none, no, no), -1);
+    EXPECT_EQ(WavefrontOBJ_output(unwritable_path().c_str(), pos, none, none, no, no), -1);
     struct refusal {
         int code;
         dense2D<double> pos, normals, textures;
@@ -102,7 +102,7 @@ TEST(WavefrontOBJ, WriterRefusalsLeaveAnEmptyFile)
                                               {-6, pos, none, none, T3, T3}}) {
         std::string path = write_file("refused.obj", "old contents");
         EXPECT_EQ(WavefrontOBJ_output(path.c_str(), c.pos, c.normals, c.textures, c.T3, c.Q4), c.code);
-        EXPECT_EQ(read_file(path), "");
+        EXPECT_EQ(contents(path), "");
     }
 }
 
@@ -146,7 +146,7 @@ TEST(WavefrontOBJ, ReaderFailures)
     }
     obj_mesh m;
     m.T3 = matrix<unsigned>(3, {0, 1, 2});
-    EXPECT_EQ(m.read(unopenable()), -1);
+    EXPECT_EQ(m.read(unwritable_path()), -1);
     EXPECT_TRUE(m.T3.empty());
     m = obj_mesh();
     long before = test_alloc::live_blocks();
@@ -174,7 +174,7 @@ TEST(WavefrontOBJ, CorpusFiles)
              {"tm_negative_indices.obj", 8, 6, 14, 2, 0, 6},    {"tm_polygonfaces.obj", 5, 0, 0, 0, 0, 0},
              {"tm_quadknot.obj", 1440, 1440, 3, 2, 0, 1440},    {"tm_wallhole.obj", 92, 92, 92, 2, 0, 0}}) {
         std::string path = corpus_dir("obj") + f.name;
-        if (!file_exists(path)) continue;
+        if (!exists(path)) continue;
         obj_mesh m;
         ASSERT_EQ(m.read(path), 0) << f.name;
         EXPECT_EQ((std::vector<std::size_t>{m.pos.cols(), m.normals.cols(), m.textures.cols(), m.textures.rows(),
