@@ -25,3 +25,5 @@
 #include "femap.h"
 #include "node_detector.h"
 #include "repair.h"
+#include "wavefront_obj.h"
+#include "stl.h"
