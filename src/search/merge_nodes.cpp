@@ -1,5 +1,6 @@
 // The list core of merge: every node of one list moves onto the first-listed close node of another.
 #include "search/cell_grid.h"
+#include "search/coordinate_hash.h"
 #include "search/merge_cores.h"
 #include "search/point_tests.h"
 #include "tessarium/index_utilities.h"
@@ -35,11 +36,12 @@ bool identity(IDs& map, std::size_t n)
     return true;
 }
 
-// rank[v] is the place of v in list, NONE_ID for a node not listed.
+// rank[v] is the place of v in list. Only listed nodes are ever looked up (the search hits and
+// the survivors of the map are all listed), so the other entries are left unset: the array spans
+// all of pos while the list may be a small part of it.
 bool ranks(IDs const& list, std::size_t n, IDs& rank)
 {
     if (!rank.resize(n)) return false;
-    std::fill(rank.begin(), rank.end(), NONE_ID);
     for (std::size_t k = 0; k < list.size(); ++k) rank[list[k]] = static_cast<unsigned>(k);
     return true;
 }
@@ -62,6 +64,40 @@ unsigned lowest_ranked_neighbour(dense2D<double> const& pos, __cell_grid<D> cons
         if (__in_box<D>(q, box, box + D) && __squared_distance<D>(q, p) <= tol_squared) best = c;
     });
     return best;
+}
+
+// Moves each node i of list1 onto survivor(i) unless that is NONE_ID; the count of moved nodes.
+template <class Survivor>
+unsigned move_onto(IDs const& list1, IDs& merged, Survivor&& survivor)
+{
+    unsigned count = 0;
+    for (unsigned i : list1) {
+        unsigned c = survivor(i);
+        if (c == NONE_ID) continue;
+        merged[i] = c;
+        ++count;
+    }
+    return count;
+}
+
+// The nodes of list1 moved onto their lowest-ranked neighbour within tol: their count, NONE_ID
+// when memory runs out.
+template <unsigned D>
+unsigned survivors_within(dense2D<double> const& pos, IDs const& list1, IDs const& list2, IDs& merged, double tol,
+                          IDs const& rank)
+{
+    __cell_grid<D> grid;
+    if (!grid.build(pos, list2, tol)) return NONE_ID;
+    return move_onto(list1, merged, [&](unsigned i) { return lowest_ranked_neighbour(pos, grid, i, tol, rank); });
+}
+
+// The same at tol 0, where the neighbours are the nodes of equal coordinates.
+template <unsigned D>
+unsigned survivors_of_duplicates(dense2D<double> const& pos, IDs const& list1, IDs const& list2, IDs& merged)
+{
+    __coordinate_hash<D> groups;
+    if (!groups.build(pos, list2)) return NONE_ID;
+    return move_onto(list1, merged, [&](unsigned i) { return groups.first_other(i); });
 }
 
 // Since closeness is not transitive, a node may have moved onto one that moved elsewhere: follow
@@ -87,16 +123,9 @@ int merge_lists(dense2D<double> const& pos, IDs const& list1, IDs const& list2, 
     IDs rank;
     if (!identity(merged, pos.cols()) || !ranks(list2, pos.cols(), rank)) return -199;
     if (std::isnan(tol)) return 0;  // no box holds anything
-    __cell_grid<D> grid;
-    if (!grid.build(pos, list2, tol)) return -199;
-
-    unsigned count = 0;
-    for (unsigned i : list1) {
-        unsigned c = lowest_ranked_neighbour(pos, grid, i, tol, rank);
-        if (c == NONE_ID) continue;
-        merged[i] = c;
-        ++count;
-    }
+    unsigned count = tol == 0.0 ? survivors_of_duplicates<D>(pos, list1, list2, merged)
+                                : survivors_within<D>(pos, list1, list2, merged, tol, rank);
+    if (count == NONE_ID) return -199;
     if (count < 2) return static_cast<int>(count);
     resolve_chains(list1, rank, merged);
     count = 0;

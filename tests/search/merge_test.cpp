@@ -76,6 +76,98 @@ TEST(MergeList, TwoListsAgreeWithBruteForceOnLatticeTies)
     }
 }
 
+namespace {
+
+// The map of the list form written out plainly: distinct lists in first-seen order, a scan of the
+// second list in order for the first node other than i inside the box and within tol, then the
+// chain walk while the rank falls.
+std::vector<unsigned> plain_merge(dense2D<double> const& pos, V const& ids1, V const& ids2, double tol, int& count)
+{
+    auto distinct = [](V const& ids) {
+        V out;
+        for (unsigned v : ids)
+            if (v != NONE_ID && std::find(out.begin(), out.end(), v) == out.end()) out.push_back(v);
+        return out;
+    };
+    V list1 = distinct(ids1), list2 = distinct(ids2);
+    V merged(pos.cols()), rank(pos.cols(), NONE_ID);
+    std::iota(merged.begin(), merged.end(), 0u);
+    for (unsigned k = 0; k < list2.size(); ++k) rank[list2[k]] = k;
+    count = 0;
+    for (unsigned i : list1) {
+        for (unsigned c : list2) {
+            double q = 0;
+            bool inside = c != i;
+            for (unsigned k = 0; k < pos.rows(); ++k) {
+                double p = pos(k, i), x = pos(k, c);
+                inside = inside && p - tol <= x && x <= p + tol;
+                q += (x - p) * (x - p);
+            }
+            if (inside && q <= tol * tol) {
+                merged[i] = c;
+                ++count;
+                break;
+            }
+        }
+    }
+    if (count < 2) return merged;
+    for (unsigned i : list1) {
+        unsigned w = i, cur = i, best = NONE_ID;
+        for (;;) {
+            w = cur;
+            cur = merged[w];
+            if (cur == w || rank[cur] >= best) break;
+            best = rank[cur];
+        }
+        merged[i] = w;
+    }
+    count = 0;
+    for (unsigned i : list1) count += merged[i] != i;
+    return merged;
+}
+
+IDs to_ids(V const& v)
+{
+    IDs out;
+    for (unsigned x : v) out.push_back(x);
+    return out;
+}
+
+}  // namespace
+
+TEST(MergeList, DuplicatesAgreeWithThePlainAlgorithm)
+{
+    // Coordinates from a handful of values, signed zeros and non-finite ones among them, so that
+    // most nodes have exact duplicates; lists repeat nodes and hold NONE_ID. Tol 0 keeps the exact
+    // duplicates only; a small tol joins the 1 and 1 + 1e-12 as well.
+    double const values_pool[] = {0.0, -0.0, 1.0, 1.0 + 1e-12, -2.5, 1e-300, inf, -inf, NaN};
+    for (unsigned rows : {2u, 3u}) {
+        for (unsigned trial = 0; trial < 6; ++trial) {
+            std::mt19937 rng(10 * rows + trial);
+            unsigned const n = 500, spread = trial < 3 ? 4 : 9;
+            dense2D<double> pos;
+            pos.resize(rows, n);
+            for (double& x : pos.flat()) x = values_pool[rng() % spread];
+            V ids1, ids2;
+            for (unsigned j = 0; j < n; ++j) {
+                unsigned v = rng() % 8 == 0 ? NONE_ID : static_cast<unsigned>(rng() % n);
+                ids1.push_back(v);
+                if (rng() % 3) ids2.push_back(rng() % 2 ? v : static_cast<unsigned>(rng() % n));
+            }
+            for (double tol : {0.0, -0.0, 1e-9}) {
+                int expected_count = 0;
+                V expected = plain_merge(pos, ids1, ids1, tol, expected_count);
+                IDs merged, one = to_ids(ids1);
+                ASSERT_EQ(merge(pos, one, merged, tol), expected_count) << rows << " " << trial << " " << tol;
+                ASSERT_EQ(values(merged), expected) << rows << " " << trial << " " << tol;
+                expected = plain_merge(pos, ids1, ids2, tol, expected_count);
+                ASSERT_EQ(merge(pos, one, to_ids(ids2), merged, tol), expected_count) << rows << " " << trial;
+                ASSERT_EQ(values(merged), expected) << rows << " " << trial << " " << tol;
+            }
+        }
+    }
+}
+
 TEST(MergeList, NonFiniteAndFarApartCoordinates)
 {
     dense2D<double> pos = matrix<double>(2, 6, {0, 0, NaN, 0, 0, 0, inf, 0, inf, 0, 1e300, 0});
