@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 namespace qv7 {
@@ -29,6 +30,7 @@ public:
         dense1D<unsigned, 8> cell_of(n);
         if (cell_of.size() != n || !starts_.resize(0)) return false;
         index_ = hash_map<unsigned long, unsigned>(n);
+        if (!__size_filter(n)) return false;
         for (std::size_t j = 0; j < n; ++j) {
             double const* c = pos.col(list[j]);
             if (__has_nan(c)) {
@@ -40,6 +42,7 @@ public:
             unsigned cell = found ? *found : static_cast<unsigned>(starts_.size());
             if (!found) {
                 index_.insert_or_assign(key, cell);
+                __mark(key);
                 if (!starts_.push_back(0)) return false;
             }
             ++starts_[cell];
@@ -59,7 +62,9 @@ public:
             if (last[k] < first[k]) return;
         }
         for (;;) {
-            if (unsigned const* cell = index_.find(__pack(at)))
+            unsigned long key = __pack(at);
+            unsigned const* cell = __maybe_held(key) ? index_.find(key) : nullptr;
+            if (cell)
                 for (unsigned s = starts_[*cell], e = starts_[*cell + 1]; s < e; ++s) f(order_[s]);
             unsigned k = 0;
             while (k < D && at[k] == last[k]) {
@@ -99,6 +104,31 @@ private:
             double cells = std::floor(extent * inv_width_[k]) + 1.0;
             cells_[k] = cells < static_cast<double>(max_cells) ? static_cast<unsigned long>(cells) : max_cells;
         }
+    }
+
+    // Most cells that a box meets hold nothing, and the index is too large for the caches: a bit
+    // per hashed key, about 16 bits per cell, rules out nearly all of them before the look-up.
+    bool __size_filter(std::size_t n)
+    {
+        filter_bits_ = 6;
+        while ((std::size_t(1) << filter_bits_) < 16 * n && filter_bits_ < 40) ++filter_bits_;
+        if (!filter_.resize((std::size_t(1) << filter_bits_) / 64)) return false;
+        std::fill(filter_.begin(), filter_.end(), 0);
+        return true;
+    }
+    std::size_t __filter_bit(unsigned long key) const noexcept
+    {
+        return static_cast<std::size_t>((key * 0x9E3779B97F4A7C15ull) >> (64 - filter_bits_));
+    }
+    void __mark(unsigned long key) noexcept
+    {
+        std::size_t b = __filter_bit(key);
+        filter_[b / 64] |= std::uint64_t(1) << (b % 64);
+    }
+    bool __maybe_held(unsigned long key) const noexcept
+    {
+        std::size_t b = __filter_bit(key);
+        return (filter_[b / 64] >> (b % 64)) & 1u;
     }
 
     static bool __has_nan(double const* c) noexcept
@@ -155,6 +185,8 @@ private:
     hash_map<unsigned long, unsigned> index_;  // cell key to cell number
     dense1D<unsigned, 8> starts_;              // cell c holds order_[starts_[c] .. starts_[c + 1])
     dense1D<unsigned, 8> order_;
+    dense1D<std::uint64_t, 8> filter_;  // bit __filter_bit(key) set for every stored cell key
+    unsigned filter_bits_ = 6;
 };
 
 }  // namespace qv7

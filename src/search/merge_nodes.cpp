@@ -97,7 +97,9 @@ unsigned survivors_of_duplicates(dense2D<double> const& pos, IDs const& list1, I
 {
     __coordinate_hash<D> groups;
     if (!groups.build(pos, list2)) return NONE_ID;
-    return move_onto(list1, merged, [&](unsigned i) { return groups.first_other(i); });
+    if (&list1 != &list2) return move_onto(list1, merged, [&](unsigned i) { return groups.first_other(i); });
+    std::size_t j = 0;  // list1 is walked in order, so j is the place of i
+    return move_onto(list1, merged, [&](unsigned i) { return groups.first_other_listed(j++, i); });
 }
 
 // Since closeness is not transitive, a node may have moved onto one that moved elsewhere: follow
