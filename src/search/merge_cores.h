@@ -15,6 +15,11 @@ template <class Point>
 int __merge(dense2D<double> const& pos, dense1D<unsigned, 8> const& IDs1, dense1D<unsigned, 8> const& IDs2,
             dense1D<unsigned, 8>& merged, double tol);
 
+// The same with one list for both, whose nodes are already distinct; NONE_ID entries are skipped.
+template <class Point>
+int __merge_distinct(dense2D<double> const& pos, dense1D<unsigned, 8> const& nodes, dense1D<unsigned, 8>& merged,
+                     double tol);
+
 // Nodes of a range of connectivities, renumbered in place; see merge for the modes.
 template <class Point>
 int __merge(dense2D<double> const& pos, dense2D<unsigned>* connect_begin, dense2D<unsigned>* connect_end,

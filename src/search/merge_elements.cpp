@@ -129,7 +129,7 @@ int __merge(dense2D<double> const& pos, dense2D<unsigned>* begin, dense2D<unsign
     if (nodes.empty()) return 0;
     if (!check_IDs(nodes, __node_count(pos))) return -2;
     if (mode == 0) {
-        int count = __merge<Point>(pos, nodes, nodes, merged, tol);
+        int count = __merge_distinct<Point>(pos, nodes, merged, tol);
         if (count >= 0) renumber(begin, end, merged);
         return count;
     }

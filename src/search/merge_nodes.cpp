@@ -150,8 +150,26 @@ int __merge(dense2D<double> const& pos, IDs const& IDs1, IDs const& IDs2, IDs& m
     return count;
 }
 
+template <class Point>
+int __merge_distinct(dense2D<double> const& pos, IDs const& nodes, IDs& merged, double tol)
+{
+    merged.clear();
+    IDs listed;
+    IDs const* list = &nodes;
+    if (std::find(nodes.begin(), nodes.end(), NONE_ID) != nodes.end()) {
+        if (!listed.resize(nodes.size())) return -199;
+        listed.resize(std::remove_copy(nodes.begin(), nodes.end(), listed.begin(), NONE_ID) - listed.begin());
+        list = &listed;
+    }
+    int count = merge_lists<Point::size()>(pos, *list, *list, merged, tol);
+    if (count < 0) merged.clear();
+    return count;
+}
+
 template int __merge<vector_fixed<double, 2>>(dense2D<double> const&, IDs const&, IDs const&, IDs&, double);
 template int __merge<vector_fixed<double, 3>>(dense2D<double> const&, IDs const&, IDs const&, IDs&, double);
+template int __merge_distinct<vector_fixed<double, 2>>(dense2D<double> const&, IDs const&, IDs&, double);
+template int __merge_distinct<vector_fixed<double, 3>>(dense2D<double> const&, IDs const&, IDs&, double);
 
 }  // namespace tessarium
 }  // namespace qv7

@@ -163,6 +163,18 @@ TEST(MergeList, DuplicatesAgreeWithThePlainAlgorithm)
                 expected = plain_merge(pos, ids1, ids2, tol, expected_count);
                 ASSERT_EQ(merge(pos, one, to_ids(ids2), merged, tol), expected_count) << rows << " " << trial;
                 ASSERT_EQ(values(merged), expected) << rows << " " << trial << " " << tol;
+
+                // Mode 0 on the first list as a connectivity: the same map, applied to the entries.
+                std::size_t cols = ids1.size() / 3;
+                dense2D<unsigned> connect;
+                connect.resize(3, cols);
+                std::copy(ids1.begin(), ids1.begin() + 3 * cols, connect.data());
+                V entries(ids1.begin(), ids1.begin() + 3 * cols);
+                expected = plain_merge(pos, entries, entries, tol, expected_count);
+                ASSERT_EQ(merge(pos, connect, merged, tol, 0u), expected_count) << rows << " " << trial;
+                ASSERT_EQ(values(merged), expected) << rows << " " << trial << " " << tol;
+                for (std::size_t e = 0; e < entries.size(); ++e)
+                    ASSERT_EQ(connect.data()[e], entries[e] == NONE_ID ? NONE_ID : expected[entries[e]]);
             }
         }
     }
