@@ -2,6 +2,7 @@
 // and their elements written as each other's neighbours.
 #pragma once
 
+#include "connectivity/chain_window.h"
 #include "connectivity/siever.h"
 #include "tessarium/dense2D.h"
 #include "tessarium/element_type.h"
@@ -28,31 +29,91 @@ struct null_neighbors_processor {
     void operator()(unsigned long) const noexcept {}
 };
 
-// Pairs the entry at `pos` with the later entries of its chain. False when mode 2 finds the mesh
-// not manifold or not consistently oriented.
-template <class Finder, class Updater, class Processor>
-bool __pair_boundary(Finder& finder, Updater& update, Processor& process, unsigned long* s, std::size_t pos,
-                     int mode)
+// A chain read straight from the table: entries by position, nodes read on each comparison.
+template <class Finder>
+struct __linked_chain {
+    using index = std::size_t;
+    static constexpr index end = siever::chain_end;
+
+    Finder& finder;
+    unsigned long* s;
+    std::size_t head;
+
+    index first() const noexcept { return head; }
+    index after(index pos) const noexcept { return siever::next(s, pos); }
+    unsigned long value(index pos) const noexcept { return s[pos]; }
+    void cancel(index pos) noexcept { s[pos] = siever::vacant; }
+    void load(index pos) noexcept { finder.load_boundary(s[pos]); }
+    int compare(index pos) const noexcept { return finder.boundary_comp_second(s[pos]); }
+};
+
+// A chain gathered by the chain window: values and nodes held at hand, read once. Cancels go to
+// the table as well, so that it ends in the same state as with a walk of the links.
+template <class Finder>
+struct __held_chain {
+    using index = unsigned;
+    using boundary_type = typename Finder::boundary_type;
+    static constexpr index end = __gathered_chain::capacity;
+
+    __held_chain(Finder const& finder, unsigned long* slots, __gathered_chain const& chain) noexcept
+        : s(slots), pos(chain.pos), count(chain.count)
+    {
+        for (unsigned k = 0; k < count; ++k) {
+            values[k] = s[pos[k]];
+            nodes[k] = finder.nodes_of(values[k]);
+            keys[k] = Finder::key(nodes[k]);
+        }
+    }
+
+    index first() const noexcept { return count == 0 ? end : 0; }
+    index after(index k) const noexcept { return k + 1 < count ? k + 1 : end; }
+    unsigned long value(index k) const noexcept { return values[k]; }
+    void cancel(index k) noexcept
+    {
+        values[k] = siever::vacant;
+        s[pos[k]] = siever::vacant;
+    }
+    void load(index k) noexcept { current = k; }
+    // Different keys mean different nodes, for which every comparison gives 0.
+    int compare(index k) const noexcept
+    {
+        if (keys[k] != keys[current]) return 0;
+        return Finder::compare(nodes[current], nodes[k]);
+    }
+
+    unsigned long* s;
+    std::size_t const* pos;
+    unsigned count;
+    index current = 0;
+    unsigned long values[__gathered_chain::capacity];
+    unsigned long keys[__gathered_chain::capacity];
+    boundary_type nodes[__gathered_chain::capacity];
+};
+
+// Pairs the entry cur of a chain with the later entries. False when mode 2 finds the mesh not
+// manifold or not consistently oriented.
+template <class Finder, class Chain, class Updater, class Processor>
+bool __pair_boundary(Chain& chain, typename Chain::index at, Updater& update, Processor& process, int mode)
 {
     constexpr unsigned long vacant = siever::vacant;
-    unsigned long cur = s[pos];
-    std::size_t last = pos;
+    unsigned long cur = chain.value(at);
+    typename Chain::index last = at;
     unsigned long last_id = cur;
     unsigned matches = 0;
-    finder.load_boundary(cur);
-    for (std::size_t q = siever::next(s, pos); q != siever::chain_end; q = siever::next(s, q)) {
-        unsigned long oth = s[q];
+    chain.load(at);
+    for (auto q = chain.after(at); q != Chain::end; q = chain.after(q)) {
+        unsigned long oth = chain.value(q);
         if (oth == vacant) continue;
-        int sense = finder.boundary_comp_second(oth);
+        int sense = chain.compare(q);
         if (sense == 0) continue;  // a hash collision
         if (mode == 0) {
             update(cur, Finder::element_of(oth));
             update(oth, Finder::element_of(cur));
-            s[q] = vacant;
+            chain.cancel(q);
         } else if (mode == 1) {
             if (matches > 0) {
                 update(last_id, NONE_ID);
-                s[last] = vacant;
+                chain.cancel(last);
             }
         } else if (sense != -1 || matches > 0) {
             return false;  // an end of an edge has no sense: its comparison never gives -1
@@ -70,26 +131,43 @@ bool __pair_boundary(Finder& finder, Updater& update, Processor& process, unsign
         update(cur, pair ? Finder::element_of(last_id) : NONE_ID);
         update(last_id, pair ? Finder::element_of(cur) : NONE_ID);
     }
-    s[pos] = vacant;
-    s[last] = vacant;
+    chain.cancel(at);
+    chain.cancel(last);
+    return true;
+}
+
+// Every entry of one chain in turn against those behind it.
+template <class Finder, class Chain, class Updater, class Processor>
+bool __pair_chain(Chain& chain, Updater& updater, Processor& processor, int mode)
+{
+    for (auto at = chain.first(); at != Chain::end; at = chain.after(at)) {
+        if (chain.value(at) == siever::vacant) continue;
+        if (!__pair_boundary<Finder>(chain, at, updater, processor, mode)) return false;
+    }
     return true;
 }
 
 // Mode 0 chains the elements around a boundary shared by more than two; mode 1 leaves such a
 // boundary without neighbour; mode 2 fails on it and on two elements that see a boundary in the
-// same sense.
+// same sense. Buckets are done in ascending order, each chain from its head; chains too long to
+// be held are walked by their links.
 template <class Finder, class Updater, class Processor>
 bool process_boundaries(Finder& finder, Updater& updater, Processor& processor, int mode)
 {
     siever& sieve = finder.sieve();
+    sieve.close();
     unsigned long* s = sieve.slots();
-    for (unsigned long bucket = 0; bucket < sieve.bucket_count(); ++bucket) {
-        std::size_t pos = siever::head(bucket);
-        if (s[pos] == siever::vacant && s[pos + 1] == siever::vacant) continue;
-        for (; pos != siever::chain_end; pos = siever::next(s, pos)) {
-            if (s[pos] == siever::vacant) continue;
-            if (!__pair_boundary(finder, updater, processor, s, pos, mode)) return false;
+    __chain_window<Finder> window(finder, s, sieve.bucket_count());
+    while (__gathered_chain const* gathered = window.next()) {
+        bool done;
+        if (gathered->too_long) {
+            __linked_chain<Finder> chain{finder, s, siever::head(gathered->bucket)};
+            done = __pair_chain<Finder>(chain, updater, processor, mode);
+        } else {
+            __held_chain<Finder> chain(finder, s, *gathered);
+            done = __pair_chain<Finder>(chain, updater, processor, mode);
         }
+        if (!done) return false;
     }
     return true;
 }
