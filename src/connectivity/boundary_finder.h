@@ -7,6 +7,8 @@
 #include "tessarium/dense2D.h"
 #include "tessarium/fixed.h"
 
+#include <cstdint>
+
 namespace qv7 {
 
 template <class Elfe, class Connect>
@@ -98,7 +100,14 @@ public:
         for (unsigned k = 0; k < width; ++k) sum += static_cast<unsigned long>(nodes[k]) * nodes[k];
         return sum;
     }
-    void prefetch_nodes(unsigned long id) const noexcept { __prefetch(connect_->col(id / stride)); }
+    // Asks for the column of boundary `id`, which may straddle two cache lines.
+    void prefetch_nodes(unsigned long id) const noexcept
+    {
+        unsigned const* row = connect_->col(id / stride);
+        unsigned const* end = row + Elfe::nbr_rows - 1;
+        __prefetch(row);
+        if ((reinterpret_cast<std::uintptr_t>(row) ^ reinterpret_cast<std::uintptr_t>(end)) >= 64) __prefetch(end);
+    }
 
     // FNV constants; the terms are added, so the order of the nodes does not count. A triangle of
     // a solid with mixed faces has NONE_ID as fourth term, like a quadrangle's fourth node.

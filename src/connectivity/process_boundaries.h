@@ -44,22 +44,22 @@ struct __linked_chain {
     unsigned long value(index pos) const noexcept { return s[pos]; }
     void cancel(index pos) noexcept { s[pos] = siever::vacant; }
     void load(index pos) noexcept { finder.load_boundary(s[pos]); }
+    bool candidate(index pos) const noexcept { return s[pos] != siever::vacant; }
     int compare(index pos) const noexcept { return finder.boundary_comp_second(s[pos]); }
 };
 
-// A chain gathered by the chain window: values and nodes held at hand, read once. Cancels go to
-// the table as well, so that it ends in the same state as with a walk of the links.
+// A chain gathered by the chain window, held at hand with the nodes of its entries, each read
+// once. Cancels stay in the held copy: the table is not walked again.
 template <class Finder>
 struct __held_chain {
     using index = unsigned;
     using boundary_type = typename Finder::boundary_type;
     static constexpr index end = __gathered_chain::capacity;
 
-    __held_chain(Finder const& finder, unsigned long* slots, __gathered_chain const& chain) noexcept
-        : s(slots), pos(chain.pos), count(chain.count)
+    __held_chain(Finder const& finder, __gathered_chain const& chain) noexcept : count(chain.count)
     {
         for (unsigned k = 0; k < count; ++k) {
-            values[k] = s[pos[k]];
+            values[k] = chain.values[k];
             nodes[k] = finder.nodes_of(values[k]);
             keys[k] = Finder::key(nodes[k]);
         }
@@ -68,21 +68,13 @@ struct __held_chain {
     index first() const noexcept { return count == 0 ? end : 0; }
     index after(index k) const noexcept { return k + 1 < count ? k + 1 : end; }
     unsigned long value(index k) const noexcept { return values[k]; }
-    void cancel(index k) noexcept
-    {
-        values[k] = siever::vacant;
-        s[pos[k]] = siever::vacant;
-    }
+    void cancel(index k) noexcept { values[k] = siever::vacant; }
     void load(index k) noexcept { current = k; }
-    // Different keys mean different nodes, for which every comparison gives 0.
-    int compare(index k) const noexcept
-    {
-        if (keys[k] != keys[current]) return 0;
-        return Finder::compare(nodes[current], nodes[k]);
-    }
+    // Different keys mean different nodes, for which every comparison gives 0: such an entry is
+    // passed over as a collision would be.
+    bool candidate(index k) const noexcept { return keys[k] == keys[current] && values[k] != siever::vacant; }
+    int compare(index k) const noexcept { return Finder::compare(nodes[current], nodes[k]); }
 
-    unsigned long* s;
-    std::size_t const* pos;
     unsigned count;
     index current = 0;
     unsigned long values[__gathered_chain::capacity];
@@ -95,15 +87,14 @@ struct __held_chain {
 template <class Finder, class Chain, class Updater, class Processor>
 bool __pair_boundary(Chain& chain, typename Chain::index at, Updater& update, Processor& process, int mode)
 {
-    constexpr unsigned long vacant = siever::vacant;
     unsigned long cur = chain.value(at);
     typename Chain::index last = at;
     unsigned long last_id = cur;
     unsigned matches = 0;
     chain.load(at);
     for (auto q = chain.after(at); q != Chain::end; q = chain.after(q)) {
+        if (!chain.candidate(q)) continue;  // cancelled
         unsigned long oth = chain.value(q);
-        if (oth == vacant) continue;
         int sense = chain.compare(q);
         if (sense == 0) continue;  // a hash collision
         if (mode == 0) {
@@ -155,16 +146,15 @@ template <class Finder, class Updater, class Processor>
 bool process_boundaries(Finder& finder, Updater& updater, Processor& processor, int mode)
 {
     siever& sieve = finder.sieve();
-    sieve.close();
-    unsigned long* s = sieve.slots();
-    __chain_window<Finder> window(finder, s, sieve.bucket_count());
+    auto fetch = [&finder](unsigned long id) { finder.prefetch_nodes(id); };
+    __chain_window<decltype(fetch)> window(sieve, fetch);
     while (__gathered_chain const* gathered = window.next()) {
         bool done;
         if (gathered->too_long) {
-            __linked_chain<Finder> chain{finder, s, siever::head(gathered->bucket)};
+            __linked_chain<Finder> chain{finder, sieve.slots(), siever::head(gathered->bucket)};
             done = __pair_chain<Finder>(chain, updater, processor, mode);
         } else {
-            __held_chain<Finder> chain(finder, s, *gathered);
+            __held_chain<Finder> chain(finder, *gathered);
             done = __pair_chain<Finder>(chain, updater, processor, mode);
         }
         if (!done) return false;

@@ -45,18 +45,15 @@ void siever::__append_closed(std::size_t pos, std::size_t added) noexcept
     s[pos + 1] = added - pos;
 }
 
-void siever::close() noexcept
+void siever::close_from(unsigned long first_bucket) noexcept
 {
     if (!open_) return;
     unsigned long* s = slots_.data();
     constexpr unsigned long ahead = 16;
-    for (unsigned long h = 0; h < bucket_count_; ++h) {
+    for (unsigned long h = first_bucket; h < bucket_count_; ++h) {
         if (h + ahead < bucket_count_) prefetch_tail(h + ahead);
         std::size_t pos = head(h);
-        if (s[pos + 1] == vacant) continue;
-        std::size_t last = pos + s[pos + 1];
-        s[pos + 1] = last + s[last + 1] - pos;
-        s[last + 1] = vacant;
+        if (s[pos + 1] != vacant) close_chain(s, pos, pos + s[pos + 1]);
     }
     open_ = false;
 }

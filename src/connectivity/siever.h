@@ -53,8 +53,19 @@ public:
         return true;
     }
     // Ends the filling: every chain gets its final links. Nothing to do on a closed table.
-    void close() noexcept;
+    void close() noexcept { close_from(0); }
+    // The same for buckets first_bucket and up, those below having been closed one by one.
+    void close_from(unsigned long first_bucket) noexcept;
     bool is_open() const noexcept { return open_; }
+    // Closes the open chain from the head pair at `head` whose last pair is at `last`; returns
+    // the position of its first overflow pair.
+    static std::size_t close_chain(unsigned long* slots, std::size_t head, std::size_t last) noexcept
+    {
+        std::size_t first = last + slots[last + 1];
+        slots[head + 1] = first - head;
+        slots[last + 1] = vacant;
+        return first;
+    }
 
     // Hints for a coming insert into bucket h: its head pair, then (once the head is at hand) the
     // pair the new entry will be linked from.
