@@ -50,16 +50,16 @@ public:
         });
     }
 
-    // Inserts the boundaries of elements 0 to elements - 1 in ascending order, as
+    // Inserts the boundaries of elements first to last - 1 in ascending order, as
     // __bdry_insert_aux(e, 0) does for each e. Insertions run `ahead` boundaries behind the
     // hashing, so that the table lines they need are asked for early: the head when a boundary is
     // hashed, the pair the head leads to halfway.
-    void __bdry_insert_elements(unsigned long elements)
+    void __bdry_insert_elements(unsigned long first, unsigned long last)
     {
         constexpr unsigned ahead = 64, ring = 2 * ahead;
         unsigned long bucket[ring], id[ring];
         unsigned long hashed = 0, inserted = 0;
-        for (unsigned long e = 0; e < elements; ++e)
+        for (unsigned long e = first; e < last; ++e)
             __for_each_boundary(e, 0, [&](unsigned b, boundary_type const& nodes) {
                 unsigned long k = hashed++ % ring;
                 bucket[k] = __hash(nodes);
