@@ -24,12 +24,13 @@ done
 
 for harness in fuzz/*_fuzz.cpp; do
   name=$(basename "$harness" _fuzz.cpp)
-  "$cxx" "${flags[@]}" "$harness" "${objs[@]}" -llapack -o "$out/$name"
+  # Binaries are named <name>_fuzz, so that no harness name can clash with the obj/ folder.
+  "$cxx" "${flags[@]}" "$harness" "${objs[@]}" -llapack -o "$out/${name}_fuzz"
   work="$out/corpus_$name"
   mkdir -p "$work"
   seeds=()
   [ -d "fuzz/corpus/$name" ] && seeds=("fuzz/corpus/$name")
   echo "== fuzzing $name for ${seconds}s"
-  (cd "$out" && ./"$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+  (cd "$out" && ./"${name}_fuzz" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
       -print_final_stats=1 "corpus_$name" "${seeds[@]/#/../}")
 done

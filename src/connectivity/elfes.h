@@ -20,6 +20,7 @@
 #pragma once
 
 #include "tessarium/element_type.h"
+#include "tessarium/fixed.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -131,6 +132,14 @@ struct faceT3 : __face_sides<faceT3> {
         *out++ = CYCLIC[p + 1];
         return out;
     }
+
+    // Geometry of the triangle of three nodes of pos. A 2-row pos lies in the plane z = 0;
+    // nothing is read past a column.
+    // Squared height over vertex i, measured from the nearer end of the opposite side.
+    static double sqr_height(dense2D<double> const& pos, unsigned const* nodes, unsigned i) noexcept;
+    // The unnormalised normal (P1 - P0) x (P2 - P0), formed from the shorter sides.
+    static void copy_director(dense2D<double> const& pos, unsigned const* nodes,
+                              vector_fixed<double, 3>& director) noexcept;
 
     // Two triples of nodes: 1 for the same triangle turning the same way, -1 turning the other
     // way, 0 for different triangles. Anchored at the smallest node, so the start does not matter.

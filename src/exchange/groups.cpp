@@ -2,30 +2,11 @@
 
 #include "exchange/fe_type_sorter.h"
 
+#include <algorithm>
+
 namespace qv7 {
 namespace tessarium {
 namespace {
-
-bool is_element_type(int type) noexcept { return type >= ET_NONE && type <= ET_HEXA27; }
-
-// The pure type of the members of a mixed group that have `nodes` nodes, ET_NONE if none.
-element_type mixed_member(element_type mixed, unsigned nodes) noexcept
-{
-    if (mixed == ET_FACE_MIX) {
-        switch (nodes) {
-        case 3: return ET_FACE_T3;
-        case 4: return ET_FACE_Q4;
-        default: return ET_NONE;
-        }
-    }
-    switch (nodes) {
-    case 4: return ET_TETRA4;
-    case 5: return ET_PYRAMID5;
-    case 6: return ET_WEDGE6;
-    case 8: return ET_HEXA8;
-    default: return ET_NONE;
-    }
-}
 
 bool append_block(dense2D<unsigned> const& block, element_type type, unsigned reference, __block_list& list)
 {
@@ -40,26 +21,28 @@ bool append_mixed(dense2D<unsigned> const& group, element_type mixed, unsigned r
     fe_type_sorter(sorted, no_neighbours).run(sizes, ends, new_indices);
     if (sizes.empty()) return false;
     for (std::size_t g = 0, begin = 0; g < sizes.size(); begin = ends[g++]) {
-        element_type type = mixed_member(mixed, sizes[g]);
-        if (type == ET_NONE || ends[g] == begin) continue;
-        if (!append_block(sorted.submatrix(begin, ends[g] - begin, sizes[g]), type, reference, list)) return false;
+        if (ends[g] == begin) continue;
+        dense2D<unsigned> block = sorted.submatrix(begin, ends[g] - begin, sizes[g]);
+        if (!append_block(block, __column_type(mixed, block.col(0), block.rows()), reference, list)) return false;
     }
     return true;
 }
 
 }  // namespace
 
-int __check_groups(dense2D<unsigned> const* first, dense2D<unsigned> const* last, dense1D<int, 8> const& FEs,
-                   unsigned node_limit) noexcept
+bool __is_element_type(int FE) noexcept { return FE >= ET_NONE && FE <= ET_HEXA27; }
+
+element_type __column_type(element_type group, unsigned const* column, std::size_t rows) noexcept
 {
-    if (last < first) return -4;
-    std::size_t count = static_cast<std::size_t>(last - first);
-    if (FEs.size() != count) return -5;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (first[i].empty()) continue;
-        if (!is_element_type(FEs[i]) || !check_IDs(first[i], element_type(FEs[i]), node_limit)) return -3;
+    auto missing = [&](std::size_t row) { return row >= rows || column[row] == NONE_ID; };
+    switch (group) {
+    case ET_FACE_MIX: return missing(3) ? ET_FACE_T3 : ET_FACE_Q4;
+    case ET_SOLID_MIX:
+        if (missing(4)) return ET_TETRA4;
+        if (missing(5)) return ET_PYRAMID5;
+        return missing(6) ? ET_WEDGE6 : ET_HEXA8;
+    default: return group;
     }
-    return 0;
 }
 
 bool __split_groups(dense2D<unsigned> const* first, dense2D<unsigned> const* last, dense1D<int, 8> const& FEs,
@@ -75,6 +58,21 @@ bool __split_groups(dense2D<unsigned> const* first, dense2D<unsigned> const* las
         if (!ok) return false;
     }
     return true;
+}
+
+__column_range __group_columns(dense1D<unsigned, 8> const& indices, std::size_t g) noexcept
+{
+    std::size_t first = indices[g], last = indices[g + 1];
+    return {first, last > first ? last - first : 0};
+}
+
+dense2D<unsigned> __group_view(dense2D<unsigned> const& M, dense1D<unsigned, 8> const& indices,
+                               std::size_t g, std::size_t rows)
+{
+    __column_range range = __group_columns(indices, g);
+    std::size_t first = std::min(range.first, M.cols());
+    std::size_t count = std::min(range.count, M.cols() - first);
+    return M.submatrix(first, count, std::min(rows, M.rows()));
 }
 
 }  // namespace tessarium

@@ -1,5 +1,7 @@
 #include "tessarium/vtk.h"
 
+#include "exchange/convenience_forms.h"
+#include "exchange/group_checks.h"
 #include "exchange/groups.h"
 #include "exchange/text_sink.h"
 
@@ -70,51 +72,32 @@ bool reserve_more(dense1D<unsigned, 8>& list, std::size_t more)
 
 void write_points(__text_sink& out, dense2D<double> const& pos)
 {
-    out.text("\nPOINTS ");
-    out.integer(__text_sink::as_int(pos.cols()));
-    out.text(" double\n");
+    out.text("\nPOINTS ").integer(__text_sink::as_int(pos.cols())).text(" double\n");
     for (std::size_t j = 0; j < pos.cols(); ++j) {
         double const* x = pos.col(j);
-        out.fixed(x[0]);
-        out.put(' ');
-        out.fixed(x[1]);
-        out.put(' ');
-        out.fixed(pos.rows() == 3 ? x[2] : 0.0);
-        out.put('\n');
+        out.fixed(x[0]).put(' ').fixed(x[1]).put(' ').fixed(pos.rows() == 3 ? x[2] : 0.0).put('\n');
     }
 }
 
 // Walks the flat list cell by cell; a count that runs past the end is cut at the end.
 void write_cells(__text_sink& out, unsigned nbr_cells, dense1D<unsigned, 8> const& cells)
 {
-    out.text("\nCELLS ");
-    out.integer(__text_sink::as_int(nbr_cells));
-    out.put(' ');
-    out.integer(__text_sink::as_int(cells.size()));
-    out.put('\n');
+    out.text("\nCELLS ").integer(__text_sink::as_int(nbr_cells)).put(' ');
+    out.integer(__text_sink::as_int(cells.size())).put('\n');
     unsigned const* p = cells.data();
     unsigned const* end = p + cells.size();
     while (p != end) {
         unsigned count = *p;
-        out.integer(__text_sink::as_int(*p++));
-        out.put(' ');
-        for (unsigned k = 0; k < count && p != end; ++k) {
-            out.integer(__text_sink::as_int(*p++));
-            out.put(' ');
-        }
+        out.integer(__text_sink::as_int(*p++)).put(' ');
+        for (unsigned k = 0; k < count && p != end; ++k) out.integer(__text_sink::as_int(*p++)).put(' ');
         out.put('\n');
     }
 }
 
 void write_cell_types(__text_sink& out, dense1D<unsigned, 8> const& cell_types)
 {
-    out.text("\nCELL_TYPES ");
-    out.integer(__text_sink::as_int(cell_types.size()));
-    out.put('\n');
-    for (unsigned type : cell_types) {
-        out.integer(__text_sink::as_int(type));
-        out.put('\n');
-    }
+    out.text("\nCELL_TYPES ").integer(__text_sink::as_int(cell_types.size())).put('\n');
+    for (unsigned type : cell_types) out.integer(__text_sink::as_int(type)).put('\n');
 }
 
 }  // namespace
@@ -124,7 +107,7 @@ int vtk_convert(dense2D<unsigned> const& connectM, element_type FE, unsigned& nb
 {
     if (!check_IDs(connectM, FE, NONE_ID)) return -1;
     FE = __narrow(FE, connectM.rows());
-    if (FE < ET_NONE || FE > ET_HEXA27 || vtk_cells[FE].type == 0) return -2;
+    if (!__is_element_type(FE) || vtk_cells[FE].type == 0) return -2;
     vtk_cell const cell = vtk_cells[FE];
     std::size_t R = connectM.rows(), C = connectM.cols();
     if (R < cell.nodes) return -1;
@@ -170,8 +153,7 @@ int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsign
     // Opened before anything is checked: a refusal leaves the file created, empty and open.
     std::FILE* file = std::fopen(file_name, "w");
     if (!file) return -1;
-    if (pos.rows() != 2 && pos.rows() != 3) return -2;
-    if (int code = __check_groups(first, last, FEs, static_cast<unsigned>(pos.cols()))) return code;
+    if (int code = __check_groups(__vtk_rules, pos, first, last, FEs)) return code;
 
     __block_list list;
     unsigned nbr_cells = 0;
@@ -192,17 +174,13 @@ int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsign
 
 int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE)
 {
-    return __with_groups(connectM, FE, [&](auto first, auto last, auto const& FEs) {
-        return vtk_output(file_name, pos, first, last, FEs);
-    });
+    return __write_one_matrix(vtk_output, file_name, pos, connectM, FE);
 }
 
 int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
                dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2)
 {
-    return __with_groups(connectM1, connectM2, FE1, FE2, [&](auto first, auto last, auto const& FEs) {
-        return vtk_output(file_name, pos, first, last, FEs);
-    });
+    return __write_two_matrices(vtk_output, file_name, pos, connectM1, connectM2, FE1, FE2);
 }
 
 }  // namespace tessarium

@@ -1,12 +1,12 @@
 #include "tessarium/ensight.h"
 
-#include "exchange/writer_files.h"
+#include "exchange_files.h"
 
 #include <gtest/gtest.h>
 
 using namespace qv7;
 using namespace qv7::tessarium;
-using namespace writer_files;
+using namespace exchange_test;
 
 namespace {
 
@@ -38,21 +38,16 @@ std::string const two_nodes = header + fields({2}) +
 
 TEST(EnsightOutput, EveryTypeOnePartPerWrittenGroup)
 {
-    element_type const types[] = {ET_EDGE2,     ET_EDGE3,   ET_FACE_T3,  ET_FACE_Q4,  ET_FACE_T6,  ET_FACE_Q8,
-                                  ET_FACE_Q9,   ET_TETRA4,  ET_TETRA10,  ET_PYRAMID5, ET_PYRAMID13, ET_PYRAMID14,
-                                  ET_WEDGE6,    ET_WEDGE15, ET_WEDGE18,  ET_HEXA8,    ET_HEXA20,   ET_HEXA27,
-                                  ET_NODE,      ET_EDGE_MIX, ET_FACE_MIX, ET_SOLID_MIX, ET_TETRA4, ET_TETRA4};
-    std::vector<dense2D<unsigned>> groups;
-    dense1D<int, 8> FEs;
-    for (element_type t : types) {
-        groups.push_back(local_rows(nbr_nodes(t)));
-        FEs.push_back(t);
-    }
-    groups[22] = dense2D<unsigned>();                       // an empty group uses up its number
-    groups[23] = connect(4, {0, 1, 2, 3, 4, 5, 6, 7});      // element numbers restart in each part
+    typed_groups all = one_element_per_type({ET_EDGE2, ET_EDGE3, ET_FACE_T3, ET_FACE_Q4, ET_FACE_T6, ET_FACE_Q8,
+                                             ET_FACE_Q9, ET_TETRA4, ET_TETRA10, ET_PYRAMID5, ET_PYRAMID13,
+                                             ET_PYRAMID14, ET_WEDGE6, ET_WEDGE15, ET_WEDGE18, ET_HEXA8,
+                                             ET_HEXA20, ET_HEXA27, ET_NODE, ET_EDGE_MIX, ET_FACE_MIX,
+                                             ET_SOLID_MIX, ET_TETRA4, ET_TETRA4});
+    all.groups[22] = dense2D<unsigned>();                   // an empty group uses up its number
+    all.groups[23] = connect(4, {0, 1, 2, 3, 4, 5, 6, 7});  // element numbers restart in each part
     // Node indices are not bounded here: 27 rows over two nodes pass.
     std::string path = temp_path("all_types.geo");
-    ASSERT_EQ(ensight_output(path.c_str(), coords(1, {1, -2.5}), groups.data(), groups.data() + groups.size(), FEs), 0);
+    ASSERT_EQ(ensight_output(path.c_str(), coords(1, {1, -2.5}), all.first(), all.last(), all.FEs), 0);
     EXPECT_EQ(contents(path), two_nodes +                                                                   //
                                   part(1, "bar2", 1) + fields({1, 1, 2}) +                                  //
                                   part(2, "bar3", 1) + fields({1, 1, 2, 3}) +                               //
@@ -98,28 +93,6 @@ TEST(EnsightOutput, CoordinatesCompletedToThree)
                                   "       2 0.00000e+00 5.00000e-01-1.00000e+00\n" +
                                   part(1, "bar2", 1) + fields({1, 1, 2}) + part(2, "bar2", 1) + fields({1, 1, 2}));
 
-    dense1D<int, 8> no_types;
-    ASSERT_EQ(ensight_output(path.c_str(), coords(2, {0.5, 2}), nullptr, nullptr, no_types), 0);
+    ASSERT_EQ(ensight_output(path.c_str(), coords(2, {0.5, 2}), nullptr, nullptr, dense1D<int, 8>()), 0);
     EXPECT_EQ(contents(path), header + fields({1}) + "       1 5.00000e-01 2.00000e+00 0.00000e+00\n");
-}
-
-TEST(EnsightOutput, RefusalsLeaveTheFileCreatedAndEmpty)
-{
-    auto pos = coords(3, {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
-    auto tets = connect(4, {0, 1, 2, 3});
-    dense1D<int, 8> one_type(1, ET_TETRA4);
-    int index = 0;
-    auto check = [&](int code, auto call) {
-        std::string path = temp_path("refused_" + std::to_string(index++) + ".geo");
-        EXPECT_EQ(call(path.c_str()), code);
-        EXPECT_TRUE(exists(path)) << code;
-        EXPECT_EQ(contents(path), "") << code;
-    };
-    check(-2, [&](char const* p) { return ensight_output(p, coords(4, {0, 0, 0, 0}), tets, ET_TETRA4); });
-    check(-2, [&](char const* p) { return ensight_output(p, dense2D<double>(), &tets + 1, &tets, one_type); });
-    check(-4, [&](char const* p) { return ensight_output(p, pos, &tets + 1, &tets, dense1D<int, 8>()); });
-    check(-5, [&](char const* p) { return ensight_output(p, pos, &tets, &tets + 1, dense1D<int, 8>()); });
-    check(-3, [&](char const* p) { return ensight_output(p, pos, tets, local_rows(9), ET_TETRA4, ET_HEXA8); });
-    check(-3, [&](char const* p) { return ensight_output(p, pos, local_rows(5), ET_FACE_MIX); });
-    EXPECT_EQ(ensight_output(unwritable_path().c_str(), pos, tets, ET_TETRA4), -1);
 }

@@ -72,7 +72,8 @@ def with_ensight(path):
 
 
 GMSH_NAMES = {1: "line", 2: "triangle", 3: "quad", 4: "tetra", 5: "hexahedron", 6: "wedge", 7: "pyramid",
-              15: "vertex"}
+              8: "line3", 9: "triangle6", 10: "quad9", 11: "tetra10", 12: "hexahedron27", 13: "wedge18",
+              14: "pyramid14", 15: "vertex", 16: "quad8", 17: "hexahedron20", 18: "wedge15", 19: "pyramid13"}
 
 
 def with_gmsh(path):

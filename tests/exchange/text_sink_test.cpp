@@ -66,17 +66,19 @@ TEST(TextSink, NumbersMatchTheirPrintfConversions)
 {
     for (double x : awkward_doubles()) {
         ASSERT_EQ(sunk([x](__text_sink& o) { o.scientific(x, 6, true); }), printed("%E", x)) << x;
+        ASSERT_EQ(sunk([x](__text_sink& o) { o.scientific(x, 6, true, 16); }), printed("%16E", x)) << x;
         ASSERT_EQ(sunk([x](__text_sink& o) { o.scientific(x, 5, false, 12); }), printed("%12.5e", x)) << x;
         ASSERT_EQ(sunk([x](__text_sink& o) { o.fixed(x); }), printed("%f", x)) << x;
+        ASSERT_EQ(sunk([x](__text_sink& o) { o.general(x); }), printed("%g", x)) << x;
     }
-}
-
-TEST(TextSink, IntegersMatchTheirPrintfConversions)
-{
     for (int v : {0, 1, -1, 9, 10, 99, 100, 12345678, 123456789, -1234567, INT_MAX, INT_MIN}) {
         EXPECT_EQ(sunk([v](__text_sink& o) { o.integer(v); }), printed("%d", v));
         EXPECT_EQ(sunk([v](__text_sink& o) { o.integer(v, 8); }), printed("%8d", v));
+        EXPECT_EQ(sunk([v](__text_sink& o) { o.integer(v, 16); }), printed("%16d", v));
+        EXPECT_EQ(sunk([v](__text_sink& o) { o.integer(unsigned(v)); }), printed("%u", unsigned(v)));
     }
+    for (unsigned long v : {0ul, 4294967296ul, 18446744073709551615ul})
+        EXPECT_EQ(sunk([v](__text_sink& o) { o.integer(v); }), printed("%lu", v));
     EXPECT_EQ(__text_sink::as_int(0xFFFFFFFFul + 1), 0);
     EXPECT_EQ(__text_sink::as_int(0x80000000ul), INT_MIN);
 }

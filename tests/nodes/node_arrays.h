@@ -1,8 +1,12 @@
-// Builders and readers of small arrays for the node-set tests.
+// Builders and readers of small arrays for the node-set and search tests.
 #pragma once
 
 #include "tessarium/dense2D.h"
 #include "tessarium/element_type.h"
+
+#include "support/failing_alloc.h"
+
+#include <gtest/gtest.h>
 
 #include <initializer_list>
 #include <vector>
@@ -32,21 +36,8 @@ qv7::dense2D<T> matrix(std::size_t rows, std::size_t cols, std::initializer_list
     return M;
 }
 
-// n nodes on `rows` rows, node j at (j, 10 j, 100 j).
-inline qv7::dense2D<double> nodes(std::size_t n, std::size_t rows)
-{
-    qv7::dense2D<double> pos;
-    pos.resize(rows, n);
-    for (std::size_t j = 0; j < n; ++j)
-        for (std::size_t i = 0, scale = 1; i < rows; ++i, scale *= 10) pos(i, j) = double(j * scale);
-    return pos;
-}
-
 template <class T>
-std::vector<T> values(qv7::dense1D<T, 8> const& a)
-{
-    return std::vector<T>(a.begin(), a.end());
-}
+std::vector<T> values(qv7::dense1D<T, 8> const& a) { return std::vector<T>(a.begin(), a.end()); }
 
 // Entries column by column, honouring ld.
 template <class T>
@@ -56,6 +47,20 @@ std::vector<T> values(qv7::dense2D<T> const& M)
     for (std::size_t j = 0; j < M.cols(); ++j)
         for (std::size_t i = 0; i < M.rows(); ++i) out.push_back(M(i, j));
     return out;
+}
+
+inline void expect_near(D const& got, D const& want, double tol = 1e-14)
+{
+    ASSERT_EQ(got.size(), want.size());
+    for (std::size_t k = 0; k < got.size(); ++k) EXPECT_NEAR(got[k], want[k], tol) << k;
+}
+
+// What f returns when every array allocation after the first k fails.
+template <class F>
+int failing_after(std::size_t k, F f)
+{
+    test_alloc::failing_scope guard(k);
+    return f();
 }
 
 }  // namespace node_arrays

@@ -1,0 +1,113 @@
+#include "exchange_files.h"
+#include "tessarium/tessarium.h"
+
+#include <gtest/gtest.h>
+
+using namespace qv7;
+using namespace qv7::tessarium;
+using namespace exchange_test;
+
+namespace {
+
+constexpr unsigned X = NONE_ID;
+
+char const* const deck_head =
+    "$ QV7 Tessarium(R) NASTRAN exporter\n"
+    "BEGIN BULK\n"
+    "$----------------------------------------\n"
+    "$ Referenced Material Records -----------\n"
+    "$ Material Record :    ------------------\n"
+    "$ Description of Material :   -----------\n"
+    "MAT1    1       0.                 0.  0.\n"
+    "$----------------------------------------\n"
+    "$                GRID POINTS             \n"
+    "$----------------------------------------\n";
+char const* const elements_head =
+    "$----------------------------------------\n"
+    "$                 ELEMENTS               \n"
+    "$----------------------------------------\n";
+
+// The element cards of a written deck.
+std::string cards(std::string const& path)
+{
+    std::string text = contents(path);
+    std::size_t begin = text.find(elements_head), end = text.rfind("ENDDATA\n");
+    if (begin == std::string::npos || end == std::string::npos) return "<no deck>";
+    begin += std::string(elements_head).size();
+    return text.substr(begin, end - begin);
+}
+
+std::string cards_of(element_type type, std::size_t rows)
+{
+    std::string path = temp_path("cards.bdf");
+    EXPECT_EQ(NASTRAN_output(path.c_str(), points(27), counting(rows), type), 0);
+    return cards(path);
+}
+
+}  // namespace
+
+TEST(NastranOutput, WholeDeckOfOneTriangle)
+{
+    dense2D<double> pos = matrix<double>(3, {0.0, 0.0, 0.0, 1.5, 0.0, 0.0, 123456.789, -2.0, 1e-7});
+    dense2D<unsigned> tri = matrix<unsigned>(3, {0, 1, 2});
+    std::string path = temp_path("triangle.bdf");
+    ASSERT_EQ(NASTRAN_output(path.c_str(), pos, tri, ET_FACE_T3), 0);
+    EXPECT_EQ(contents(path), std::string(deck_head) +
+                                   "GRID*                  1                    0.000000E+00    0.000000E+00*C\n"
+                                   "*C          0.000000E+00\n"
+                                   "GRID*                  2                    1.500000E+00    0.000000E+00*C\n"
+                                   "*C          0.000000E+00\n"
+                                   "GRID*                  3                    1.234568E+05   -2.000000E+00*C\n"
+                                   "*C          1.000000E-07\n" +
+                                   elements_head + "CTRIA3,1,1,1,2,3\nENDDATA\n");
+    // Two-row coordinates get 0 for z.
+    ASSERT_EQ(NASTRAN_output(path.c_str(), matrix<double>(2, {-1.0, 2.0}), matrix<unsigned>(1, {0}), ET_NODE), 0);
+    EXPECT_NE(contents(path).find("GRID*                  1                   -1.000000E+00    2.000000E+00*C\n"
+                                  "*C          0.000000E+00\n"),
+              std::string::npos);
+}
+
+TEST(NastranOutput, CardsRunInLinesOfNineFields)
+{
+    EXPECT_EQ(cards_of(ET_EDGE3, 3), "CBAR,1,1,1,2\n");
+    EXPECT_EQ(cards_of(ET_FACE_T6, 6), "CTRIA6,1,1,1,2,3,6,4,5\n");
+    EXPECT_EQ(cards_of(ET_FACE_Q9, 9), "CQUAD8,1,1,1,2,3,4,5,6,+C\n+C,7,8,9\n");
+    EXPECT_EQ(cards_of(ET_TETRA4, 4), "CTETRA,1,1,1,3,2,4\n");
+    EXPECT_EQ(cards_of(ET_TETRA10, 10), "CTETRA,1,1,1,3,2,4,6,5,+C\n+C,7,8,10,9\n");
+    EXPECT_EQ(cards_of(ET_PYRAMID14, 14), "CPYRAM,1,1,1,2,3,4,5,6,+C\n+C,7,8,9,10,11,12,13\n");
+    EXPECT_EQ(cards_of(ET_WEDGE18, 18), "CPENTA,1,1,1,2,3,4,5,6,+C\n+C,12,10,11,7,8,9,15,13,+C\n+C,14\n");
+    EXPECT_EQ(cards_of(ET_HEXA8, 8), "CHEXA,1,1,1,2,3,4,5,6,+C\n+C,7,8\n");
+    EXPECT_EQ(cards_of(ET_HEXA27, 27), "CHEXA,1,1,1,2,3,4,5,6,+C\n+C,7,8,9,10,11,12,17,18,+C\n+C,19,20,13,14,15,16\n");
+    EXPECT_EQ(cards_of(ET_NODE, 1), "");
+}
+
+TEST(NastranOutput, GroupsMixedColumnsAndPropertyIDs)
+{
+    dense2D<unsigned> M = matrix<unsigned>(8, {0, 1, 2, X, X, X, X, X,   // triangle of a face group
+                                               0, 1, 2, 3, X, X, X, X,   // quadrilateral
+                                               4, X, X, X, X, X, X, X,   // a node: no card
+                                               0, 1, 2, 3, X, X, X, X,   // tetrahedron
+                                               0, 1, 2, 3, 4, X, X, X,   // pyramid
+                                               0, 1, 2, 3, 4, 5, X, X,   // wedge
+                                               0, 1, 2, 3, 4, 5, 6, 7}); // hexahedron
+    dense1D<unsigned, 8> indices = array<unsigned>({0, 2, 3, 7});
+    dense1D<int, 8> FEs = array<int>({ET_FACE_MIX, ET_NODE, ET_SOLID_MIX});
+    dense1D<unsigned, 8> PIDs = array<unsigned>({10, 11, 12, 13, 14, 15, 16});
+    std::string path = temp_path("groups.bdf");
+    ASSERT_EQ(NASTRAN_output(path.c_str(), points(8), M, indices, FEs, PIDs), 0);
+    EXPECT_EQ(cards(path),
+              "CTRIA3,1,10,1,2,3\nCQUAD4,2,11,1,2,3,4\nCTETRA,4,13,1,3,2,4\nCPYRAM,5,14,1,2,3,4,5\n"
+              "CPENTA,6,15,1,2,3,4,5,6\nCHEXA,7,16,1,2,3,4,5,6,+C\n+C,7,8\n");
+
+    // Two matrices: property IDs 1 and 2, columns numbered on.
+    ASSERT_EQ(NASTRAN_output(path.c_str(), points(4), matrix<unsigned>(3, {0, 1, 2}),
+                             matrix<unsigned>(4, {0, 1, 2, 3, 3, 2, 1, 0}), ET_FACE_T3, ET_FACE_Q4),
+              0);
+    EXPECT_EQ(cards(path), "CTRIA3,1,1,1,2,3\nCQUAD4,2,2,1,2,3,4\nCQUAD4,3,2,4,3,2,1\n");
+
+    // Reversed bounds make an empty group.
+    ASSERT_EQ(NASTRAN_output(path.c_str(), points(3), counting(3, 2), array<unsigned>({0, 2, 1}),
+                             array<int>({ET_FACE_T3, ET_FACE_T3}), array<unsigned>({1, 1})),
+              0);
+    EXPECT_EQ(cards(path), "CTRIA3,1,1,1,2,3\nCTRIA3,2,1,4,5,6\n");
+}
