@@ -7,8 +7,9 @@
 //
 // While entries go in, a chain with overflow pairs is kept open, so that appending costs the same
 // whatever its length: the head links to the last pair and the last pair back to the first
-// overflow pair. close() turns every chain into its final form, head to last in order of
-// insertion; it must come before the chains are walked.
+// overflow pair. Closing gives every chain its final form, head to last in order of insertion,
+// before the chains are walked: all at once with close(), or chain by chain as a walk reaches them
+// (close_chain, then close_from for the rest).
 #pragma once
 
 #include "tessarium/dense1D.h"
