@@ -1,8 +1,9 @@
 // Neighbours of about a million tetrahedra and a million hexahedra: the hash sieve of
 // get_neighbors beside a face matching by sorting (sort each face's nodes, sort all faces, pair
 // equal neighbours), on lexicographic and on random node numbers. The sieve's memory per
-// boundary is reported as a counter.
+// boundary is reported as a counter, and the time of each part of the sieve by BM_sieve_parts.
 #include "connectivity/boundary_finder.h"
+#include "connectivity/process_boundaries.h"
 #include "connectivity/elfes.h"
 #include "tessarium/connectivity.h"
 
@@ -12,6 +13,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -131,6 +133,63 @@ void BM_sieve(benchmark::State& state)
     state.counters["sieve_bytes_per_boundary"] = sieve_bytes_per_boundary<Elfe>(C);
 }
 
+double thread_cpu_ms()
+{
+    timespec t;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return t.tv_sec * 1e3 + t.tv_nsec * 1e-6;
+}
+
+// The first element whose insertion makes the table grow.
+template <class Elfe>
+std::size_t first_growth(dense2D<unsigned> const& C)
+{
+    qv7::boundary_finder<Elfe, dense2D<unsigned>> finder;
+    finder.set_connectivity(&C);
+    finder.resize(C.cols());
+    std::size_t before = finder.sieve().memory(), e = 0;
+    for (; e < C.cols() && finder.sieve().memory() == before; ++e) finder.__bdry_insert_aux(e, 0);
+    return e;
+}
+
+// Where the time of get_neighbors goes, as CPU time of this thread per call: the neighbours array
+// and the empty table (`setup`), the insertions up to the first overflow pair, which doubles the
+// table (`growth`), the other insertions (`insert`), the pairing walk (`pairing`) and the release
+// of the table (`release`).
+template <class Elfe>
+void BM_sieve_parts(benchmark::State& state)
+{
+    using finder_type = qv7::boundary_finder<Elfe, dense2D<unsigned>>;
+    dense2D<unsigned> const& C = mesh(Elfe::stride == 4, state.range(0) != 0);
+    std::size_t n = C.cols(), grown = first_growth<Elfe>(C);
+    double parts[5] = {};
+    for (auto _ : state) {
+        double t[6];
+        t[0] = thread_cpu_ms();
+        {
+            dense2D<unsigned> N;
+            N.resize(Elfe::stride, n, NONE_ID);
+            finder_type finder;
+            finder.set_connectivity(&C);
+            finder.resize(n);
+            t[1] = thread_cpu_ms();
+            finder.__bdry_insert_elements(0, grown);
+            t[2] = thread_cpu_ms();
+            finder.__bdry_insert_elements(grown, n);
+            t[3] = thread_cpu_ms();
+            qv7::elfe_algo::internal_neighbors_updater<finder_type, dense2D<unsigned>> updater(N);
+            qv7::elfe_algo::null_neighbors_processor processor;
+            qv7::elfe_algo::process_boundaries(finder, updater, processor, 1);
+            benchmark::DoNotOptimize(N.col(0));
+            t[4] = thread_cpu_ms();
+        }
+        t[5] = thread_cpu_ms();
+        for (int k = 0; k < 5; ++k) parts[k] += t[k + 1] - t[k];
+    }
+    char const* names[5] = {"setup_ms", "growth_ms", "insert_ms", "pairing_ms", "release_ms"};
+    for (int k = 0; k < 5; ++k) state.counters[names[k]] = parts[k] / double(state.iterations());
+}
+
 template <class Elfe>
 void BM_sort(benchmark::State& state)
 {
@@ -152,6 +211,8 @@ BENCHMARK_TEMPLATE(BM_sieve, tetra4)->Arg(0)->Arg(1)->Unit(benchmark::kMilliseco
 BENCHMARK_TEMPLATE(BM_sort, tetra4)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_sieve, hexa8)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_sort, hexa8)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_sieve_parts, tetra4)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_sieve_parts, hexa8)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -21,7 +21,7 @@ int get_neighbors_matrix(dense2D<unsigned> const& connectM, dense2D<unsigned>& n
     finder.set_connectivity(&connectM);
     finder.clear_boundary();
     if (!finder.resize(elements)) return -199;
-    for (unsigned long e = 0; e < elements; ++e) finder.__bdry_insert_aux(e, 0);
+    finder.__bdry_insert_elements(0, elements);
     internal_neighbors_updater<finder_type, dense2D<unsigned>> updater(neighbors);
     null_neighbors_processor processor;
     return process_boundaries(finder, updater, processor, mode) ? 0 : -1;

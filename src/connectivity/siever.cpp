@@ -24,6 +24,7 @@ constexpr unsigned long primes[28] = {
 bool siever::resize(unsigned long expected, unsigned long buckets)
 {
     entry_count_ = bucket_count_ = mask_ = 0;
+    open_ = false;
     slots_.clear();
     unsigned long p = power_of_two_not_below(buckets);
     if (p == 0 || p > vacant / 4 || expected > vacant / 4) return false;
@@ -37,23 +38,24 @@ bool siever::resize(unsigned long expected, unsigned long buckets)
     return true;
 }
 
-bool siever::insert(unsigned long h, unsigned long value)
+void siever::__append_closed(std::size_t pos, std::size_t added) noexcept
 {
     unsigned long* s = slots_.data();
-    std::size_t pos = head(h);
-    if (s[pos] == vacant) {
-        s[pos] = value;
-        ++entry_count_;
-        return true;
-    }
-    std::size_t added = slots_.size();
-    if (!slots_.push_back_n(vacant, 2)) return false;
-    s = slots_.data();
-    s[added] = value;
     for (std::size_t n = next(s, pos); n != chain_end; n = next(s, pos)) pos = n;
     s[pos + 1] = added - pos;
-    ++entry_count_;
-    return true;
+}
+
+void siever::close_from(unsigned long first_bucket) noexcept
+{
+    if (!open_) return;
+    unsigned long* s = slots_.data();
+    constexpr unsigned long ahead = 16;
+    for (unsigned long h = first_bucket; h < bucket_count_; ++h) {
+        if (h + ahead < bucket_count_) prefetch_tail(h + ahead);
+        std::size_t pos = head(h);
+        if (s[pos + 1] != vacant) close_chain(s, pos, pos + s[pos + 1]);
+    }
+    open_ = false;
 }
 
 unsigned long next_prime(unsigned long n) noexcept
