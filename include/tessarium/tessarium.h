@@ -1,6 +1,7 @@
 // The whole public surface of tessarium.
 #pragma once
 
+#include "export.h"
 #include "ref_counted.h"
 #include "vector_num.h"
 #include "dense_handle.h"
