@@ -25,8 +25,11 @@ constexpr __cell_kind __no_cell = {nullptr, 0, 0, {}};
 // The library's 15-node wedge: corners, the three vertical edges, then bottom and top edges each
 // opposite a corner; the formats: corners, bottom edges, then top and vertical (VTK, EnSight)
 // or vertical and top (NASTRAN).
+//
+// The library's wedges turn as VTK's do: the normal of the first triangle points away from the
+// second. NASTRAN, FEMAP and Medit turn them the other way round.
+constexpr unsigned char __turned_wedge[6] = {0, 2, 1, 3, 5, 4};
 #define TESSARIUM_W15_BOTTOM_TOP_VERTICAL {0, 1, 2, 3, 4, 5, 11, 9, 10, 14, 12, 13, 6, 7, 8}
-#define TESSARIUM_W15_BOTTOM_VERTICAL_TOP {0, 1, 2, 3, 4, 5, 11, 9, 10, 6, 7, 8, 14, 12, 13}
 // The 20-node hexahedron: bottom, top, vertical edges (VTK, EnSight, the library), or bottom,
 // vertical, top (NASTRAN).
 #define TESSARIUM_H20_BOTTOM_VERTICAL_TOP {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 16, 17, 18, 19, 12, 13, 14, 15}
@@ -59,12 +62,14 @@ constexpr __cell_kind __vtk_cells[nbr_element_types] = {
     __no_cell,                                        // ET_HEXA27
 };
 
+// EnSight lists the mid node of a 3-node bar second, and turns wedges the other way round from
+// VTK: the normal of the first triangle points towards the second.
 constexpr __cell_kind __ensight_cells[nbr_element_types] = {
     __no_cell,                                         // ET_NONE
     {"point", 0, 1, {0}},                              // ET_NODE
     __no_cell,                                         // ET_EDGE_MIX
     {"bar2", 0, 2, {0, 1}},                            // ET_EDGE2
-    {"bar3", 0, 3, {0, 1, 2}},                         // ET_EDGE3
+    {"bar3", 0, 3, {0, 2, 1}},                         // ET_EDGE3
     __no_cell,                                         // ET_FACE_MIX
     {"tria3", 0, 3, {0, 1, 2}},                        // ET_FACE_T3
     {"quad4", 0, 4, {0, 1, 2, 3}},                     // ET_FACE_Q4
@@ -77,8 +82,8 @@ constexpr __cell_kind __ensight_cells[nbr_element_types] = {
     {"pyramid5", 0, 5, TESSARIUM_IN_ORDER},            // ET_PYRAMID5
     {"pyramid13", 0, 13, TESSARIUM_IN_ORDER},          // ET_PYRAMID13
     __no_cell,                                         // ET_PYRAMID14
-    {"penta6", 0, 6, TESSARIUM_IN_ORDER},              // ET_WEDGE6
-    {"penta15", 0, 15, TESSARIUM_W15_BOTTOM_TOP_VERTICAL},  // ET_WEDGE15
+    {"penta6", 0, 6, {0, 2, 1, 3, 5, 4}},              // ET_WEDGE6
+    {"penta15", 0, 15, {0, 2, 1, 3, 5, 4, 10, 9, 11, 13, 12, 14, 6, 8, 7}},  // ET_WEDGE15
     __no_cell,                                         // ET_WEDGE18
     {"hexa8", 0, 8, TESSARIUM_IN_ORDER},               // ET_HEXA8
     {"hexa20", 0, 20, TESSARIUM_IN_ORDER},             // ET_HEXA20
@@ -104,8 +109,8 @@ constexpr __cell_kind __nastran_cells[nbr_element_types] = {
     {"CPYRAM", 0, 5, TESSARIUM_IN_ORDER},               // ET_PYRAMID5
     {"CPYRAM", 0, 13, TESSARIUM_IN_ORDER},              // ET_PYRAMID13
     __no_cell,                                          // ET_PYRAMID14
-    {"CPENTA", 0, 6, TESSARIUM_IN_ORDER},               // ET_WEDGE6
-    {"CPENTA", 0, 15, TESSARIUM_W15_BOTTOM_VERTICAL_TOP},  // ET_WEDGE15
+    {"CPENTA", 0, 6, {0, 2, 1, 3, 5, 4}},               // ET_WEDGE6
+    {"CPENTA", 0, 15, {0, 2, 1, 3, 5, 4, 10, 9, 11, 6, 8, 7, 13, 12, 14}},  // ET_WEDGE15
     __no_cell,                                          // ET_WEDGE18
     {"CHEXA", 0, 8, TESSARIUM_IN_ORDER},                // ET_HEXA8
     {"CHEXA", 0, 20, TESSARIUM_H20_BOTTOM_VERTICAL_TOP},  // ET_HEXA20
@@ -127,7 +132,7 @@ constexpr __cell_kind __medit_cells[nbr_element_types] = {
     __no_cell,                                  // ET_TETRA10
     {"Pyramids", 0, 5, TESSARIUM_IN_ORDER},     // ET_PYRAMID5
     __no_cell, __no_cell,                       // ET_PYRAMID13, ET_PYRAMID14
-    {"Prisms", 0, 6, TESSARIUM_IN_ORDER},       // ET_WEDGE6
+    {"Prisms", 0, 6, {0, 2, 1, 3, 5, 4}},       // ET_WEDGE6
     __no_cell, __no_cell,                       // ET_WEDGE15, ET_WEDGE18
     {"Hexahedra", 0, 8, TESSARIUM_IN_ORDER},    // ET_HEXA8
     __no_cell, __no_cell,                       // ET_HEXA20, ET_HEXA27
@@ -137,7 +142,6 @@ constexpr __cell_kind __medit_cells[nbr_element_types] = {
 #undef TESSARIUM_T6
 #undef TESSARIUM_TETRA
 #undef TESSARIUM_W15_BOTTOM_TOP_VERTICAL
-#undef TESSARIUM_W15_BOTTOM_VERTICAL_TOP
 #undef TESSARIUM_H20_BOTTOM_VERTICAL_TOP
 
 }  // namespace tessarium

@@ -3,6 +3,7 @@
 #include "exchange/femap_input.h"
 #include "exchange/femap_tables.h"
 #include "exchange/node_columns.h"
+#include "mesh_io/cell_kinds.h"
 #include "mesh_io/file_text.h"
 #include "mesh_io/mesh_io.h"
 
@@ -95,7 +96,8 @@ int __read_FEMAP(std::string const& path, mesh& m, io_report& r)
         if (!__reserve_columns(b.connect, rows, __power_of_two_ceil(cols)) || !b.connect.resize(rows, cols) ||
             !b.references.push_back(IDs[column]))
             return __fail(r, io_no_memory, path, "not enough memory for the elements");
-        std::copy(connectM.col(column), connectM.col(column) + nbr_nodes(b.type), b.connect.col(b.connect.cols() - 1));
+        unsigned* element = b.connect.col(b.connect.cols() - 1);
+        for (unsigned i = 0; i < rows; ++i) element[i] = connectM(b.type == ET_WEDGE6 ? __turned_wedge[i] : i, column);
         ++column;
     }
     return 0;

@@ -32,8 +32,10 @@ int __write_FEMAP(__output_files& files, std::string const& path, mesh const& m,
         if (!kind) continue;
         for (std::size_t e = 0; e < b.connect.cols(); ++e) {
             unsigned slots[__femap_slot_count] = {};
-            for (unsigned i = 0; i < b.connect.rows(); ++i)
-                slots[kind->slots[i]] = __node_number(m, b.connect(i, e));
+            for (unsigned i = 0; i < b.connect.rows(); ++i) {
+                unsigned local = b.type == ET_WEDGE6 ? __turned_wedge[i] : i;
+                slots[kind->slots[i]] = __node_number(m, b.connect(local, e));
+            }
             unsigned reference = __reference(b, e, 1);
             out.integer(++ID).put(',').integer(reference).put(',').integer(reference).put(',');
             out.integer(kind->type_code).put(',').integer(kind->topology).text(",1,0,0,0,0,0,0,0,\n");

@@ -2,6 +2,7 @@
 // the connectivity it read, with the property IDs as references.
 #include "exchange/nastran_input.h"
 #include "exchange/nastran_tables.h"
+#include "mesh_io/cell_kinds.h"
 #include "mesh_io/file_text.h"
 #include "mesh_io/mesh_io.h"
 #include "tessarium/nastran.h"
@@ -30,17 +31,23 @@ int explain_failure(std::string const& path, io_report& r)
                   "line " + std::to_string(line) + ": malformed GRID card or grid ID 0: \"" + __line_at(text, line) + "\"");
 }
 
-// The reader lists the mid nodes of 15-node wedges in the order it writes them; the local order
-// is the written list applied twice more.
-void fix_wedge15(dense2D<unsigned>& M)
+// The format function reads local node i from file position read[i] (or i), the portable writer
+// puts local node written[p] at position p; the local order of what that writer wrote is
+// undone here. The writer turns wedges over and moves the mid nodes of 15-node wedges, which
+// the function reads with the list it writes.
+void to_written_order(element_type type, dense2D<unsigned>& M)
 {
-    unsigned char const* w = __nastran_cards[ET_WEDGE15].nodes;
-    unsigned char inverse[15];
-    for (unsigned p = 0; p < 15; ++p) inverse[w[p]] = static_cast<unsigned char>(p);
+    __cell_kind const& kind = __nastran_cells[type];
+    unsigned char const* read = __nastran_read_order(type);
+    unsigned n = kind.count, from[20], position_of_local[20], read_at[20];
+    bool same = true;
+    for (unsigned i = 0; i < n; ++i) position_of_local[kind.nodes[i]] = i, read_at[read ? read[i] : i] = i;
+    for (unsigned j = 0; j < n; ++j) from[j] = read_at[position_of_local[j]], same = same && from[j] == j;
+    if (same || M.rows() != n) return;
+    unsigned column[20];
     for (std::size_t e = 0; e < M.cols(); ++e) {
-        unsigned read[15], *column = M.col(e);
-        std::copy(column, column + 15, read);
-        for (unsigned j = 0; j < 15; ++j) column[j] = read[inverse[inverse[j]]];
+        std::copy(M.col(e), M.col(e) + n, column);
+        for (unsigned j = 0; j < n; ++j) M(j, e) = column[from[j]];
     }
 }
 
@@ -61,7 +68,7 @@ int __read_NASTRAN(std::string const& path, mesh& m, io_report& r)
         std::size_t first = indices[g], count = indices[g + 1] - first;
         b.connect = connectM.submatrix(first, count, nbr_nodes(b.type));
         b.references = dense1D<unsigned, 8>(PIDs.storage(), count, PIDs.first() + first);
-        if (b.type == ET_WEDGE15) fix_wedge15(b.connect);
+        if (__nastran_cells[b.type].name) to_written_order(b.type, b.connect);
         m.blocks.push_back(b);
     }
     return 0;

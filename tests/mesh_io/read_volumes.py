@@ -7,6 +7,9 @@ usage: read_volumes.py meshio|vtk|gmsh|numpy-stl FILE
 """
 import collections
 import sys
+import warnings
+
+warnings.simplefilter("ignore")
 
 try:
     import numpy as np
@@ -21,8 +24,8 @@ def need(module):
         sys.exit(77)
 
 
-# Outward faces of the corner nodes, in the VTK order that meshio shares; the wedge as VTK
-# documents it: the normal of (0, 1, 2) points away from (3, 4, 5).
+# Outward faces of the corner nodes in VTK's order; the wedge as VTK documents it: the normal of
+# (0, 1, 2) points away from (3, 4, 5).
 VTK_FACES = {
     "tetra": [(0, 2, 1), (0, 1, 3), (1, 2, 3), (0, 3, 2)],
     "pyramid": [(0, 3, 2, 1), (0, 1, 4), (1, 2, 4), (2, 3, 4), (3, 0, 4)],
@@ -36,7 +39,8 @@ CORNER_COUNT = {"vertex": 1, "line": 2, "triangle": 3, "quad": 4, "tetra": 4, "p
                 "hexahedron": 8}
 
 
-# gmsh's prism has the normal of (0, 1, 2) pointing towards (3, 4, 5).
+# gmsh's prism, which meshio takes for its wedge, has the normal of (0, 1, 2) pointing towards
+# (3, 4, 5).
 GMSH_FACES = dict(VTK_FACES, wedge=[(0, 2, 1), (3, 4, 5), (0, 1, 4, 3), (1, 2, 5, 4), (2, 0, 3, 5)])
 
 
@@ -180,7 +184,7 @@ def with_numpy_stl(path):
 def main():
     reader = {"meshio": with_meshio, "vtk": with_vtk, "gmsh": with_gmsh, "numpy-stl": with_numpy_stl}[sys.argv[1]]
     points, cells = reader(sys.argv[2])
-    report(np.asarray(points, dtype=float), cells, GMSH_FACES if sys.argv[1] == "gmsh" else VTK_FACES)
+    report(np.asarray(points, dtype=float), cells, VTK_FACES if sys.argv[1] == "vtk" else GMSH_FACES)
 
 
 main()

@@ -1,0 +1,132 @@
+// The portable writers' files read by other programs, where these are installed: equal counts,
+// the right cell kinds, positive volumes in each reader's own order, mid nodes on their edges.
+#include "../exchange/exchange_files.h"
+#include "mesh_files.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <map>
+#include <sstream>
+#include <sys/wait.h>
+
+using namespace mesh_io_test;
+using exchange_test::temp_path;
+
+namespace {
+
+using counts = std::map<std::string, long>;
+
+// What read_volumes.py prints for `reader` on `path`; false when the reader is not installed.
+bool read_with(char const* reader, std::string const& path, counts& found)
+{
+    std::string command = std::string("/usr/bin/python3 ") + TESSARIUM_SOURCE_DIR + "/tests/mesh_io/read_volumes.py " +
+                          reader + " '" + path + "' 2>&1";
+    std::FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return false;
+    std::string output;
+    std::array<char, 256> chunk;
+    while (std::fgets(chunk.data(), chunk.size(), pipe)) output += chunk.data();
+    int status = pclose(pipe);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) == 77 || WEXITSTATUS(status) == 127) return false;
+    EXPECT_EQ(WEXITSTATUS(status), 0) << output;
+    std::istringstream lines(output);
+    std::string name;
+    long n;
+    while (lines >> name >> n) found[name] = n;
+    return true;
+}
+
+// The kind names of meshio, which the script uses for every reader.
+char const* kind_name(element_type type)
+{
+    switch (type) {
+    case ET_NODE: return "vertex";
+    case ET_EDGE2: return "line";
+    case ET_EDGE3: return "line3";
+    case ET_FACE_T3: return "triangle";
+    case ET_FACE_Q4: return "quad";
+    case ET_FACE_T6: return "triangle6";
+    case ET_FACE_Q8: return "quad8";
+    case ET_FACE_Q9: return "quad9";
+    case ET_TETRA4: return "tetra";
+    case ET_TETRA10: return "tetra10";
+    case ET_PYRAMID5: return "pyramid";
+    case ET_PYRAMID13: return "pyramid13";
+    case ET_WEDGE6: return "wedge";
+    case ET_WEDGE15: return "wedge15";
+    case ET_HEXA8: return "hexahedron";
+    case ET_HEXA20: return "hexahedron20";
+    default: return "none";
+    }
+}
+
+counts expected(mesh const& m, long points)
+{
+    counts c{{"points", points}};
+    for (element_block const& b : m.blocks) c[kind_name(b.type)] += static_cast<long>(b.connect.cols());
+    return c;
+}
+
+struct case_ {
+    char const* file;
+    char const* reader;
+    std::vector<element_type> left_out;     // by the writer: the format has no such cell
+    std::vector<element_type> cannot_read;  // by the reader; not written
+    bool all_nodes;                         // the reader keeps nodes no element uses
+};
+
+bool among(std::vector<element_type> const& types, element_type t)
+{
+    return std::find(types.begin(), types.end(), t) != types.end();
+}
+
+}  // namespace
+
+TEST(MeshInterop, PortableFilesReadByOtherPrograms)
+{
+    std::vector<element_type> no_vtk = {ET_PYRAMID14, ET_WEDGE18, ET_HEXA27};
+    std::vector<element_type> higher = {ET_NODE,    ET_EDGE3,     ET_FACE_T6,   ET_FACE_Q8, ET_FACE_Q9, ET_TETRA10,
+                                        ET_PYRAMID13, ET_PYRAMID14, ET_WEDGE15, ET_WEDGE18, ET_HEXA20,  ET_HEXA27};
+    std::vector<element_type> no_nastran = {ET_NODE,      ET_EDGE3,   ET_FACE_Q9, ET_PYRAMID14,
+                                            ET_WEDGE18, ET_HEXA27};
+    std::vector<element_type> no_ensight = {ET_FACE_Q9, ET_PYRAMID14, ET_WEDGE18, ET_HEXA27};
+    std::vector<element_type> but_triangles, but_faces;
+    for (int t = ET_NODE; t <= ET_HEXA27; ++t) {
+        if (t != ET_FACE_T3) but_triangles.push_back(static_cast<element_type>(t));
+        if (t != ET_FACE_T3 && t != ET_FACE_Q4) but_faces.push_back(static_cast<element_type>(t));
+    }
+    // This meshio knows neither 13-node pyramids nor 15-node wedges; gmsh's Medit reader takes no
+    // pyramids or prisms and keeps only the nodes elements use.
+    std::vector<element_type> meshio_gaps = {ET_PYRAMID13, ET_WEDGE15};
+    std::vector<case_> cases = {
+        {".vtk", "vtk", no_vtk, {}, true},
+        {".vtk", "meshio", no_vtk, meshio_gaps, true},
+        {".mesh", "meshio", higher, {}, true},
+        {".mesh", "gmsh", higher, {ET_PYRAMID5, ET_WEDGE6}, false},
+        {".bdf", "meshio", no_nastran, meshio_gaps, true},
+        {".case", "vtk", no_ensight, {}, true},
+        {".obj", "vtk", but_faces, {}, true},
+        {".obj", "meshio", but_faces, {}, true},
+        {".stl", "numpy-stl", but_triangles, {}, false},
+        {".stl", "vtk", but_triangles, {}, false},
+        {".stl", "meshio", but_triangles, {}, false},
+    };
+    int read = 0;
+    for (case_ const& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + " read by " + c.reader);
+        mesh written = only(every_type(), [&](element_type t) { return !among(c.cannot_read, t); });
+        std::string path = temp_path(std::string("interop_") + c.reader + c.file);
+        io_report w = write_mesh(path, written);
+        ASSERT_TRUE(w) << w.message;
+        counts found;
+        if (!read_with(c.reader, path, found)) continue;
+        ++read;
+        mesh kept = only(written, [&](element_type t) { return !among(c.left_out, t); });
+        long used = 0;  // every element has nodes of its own
+        for (element_block const& b : kept.blocks) used += static_cast<long>(b.connect.size());
+        EXPECT_EQ(found, expected(kept, c.all_nodes ? static_cast<long>(written.nbr_nodes()) : used));
+    }
+    if (read == 0) GTEST_SKIP() << "none of meshio, VTK, gmsh and numpy-stl is installed";
+}
