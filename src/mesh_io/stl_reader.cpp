@@ -46,6 +46,10 @@ int __read_STL(std::string const& path, mesh& m, io_report& r)
     }
     bool binary = head.size() == 84 && size == 84 + 50 * facets;
     bool text = starts_as_text(head);
+    if (!binary && !text && head.size() == 84 && size < 84 + 50 * facets && size >= 84 + 50 * (facets / 2))
+        return __fail(r, io_malformed, path,
+                      "binary STL cut short: its " + std::to_string(facets) + " facets need " +
+                          std::to_string(84 + 50 * facets) + " bytes, the file has " + std::to_string(size));
     if (!binary && !text)
         return __fail(r, io_malformed, path,
                       "not STL: no \"solid\" at the start of a text file, and as a binary file its " +
