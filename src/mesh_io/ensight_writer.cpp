@@ -20,8 +20,7 @@ int __write_ensight(__output_files& files, std::string const& path, mesh const& 
     __count_written(r, m, __in_table<__ensight_cells>);
     __pass_over_fields(r, m.node_fields, "node");
     __pass_over_fields(r, m.element_fields, "element");
-    for (element_block const& b : m.blocks)
-        if (!b.references.empty()) __pass_over(r, "references", b.references.size());
+    for (element_block const& b : m.blocks) __pass_over(r, "references", b.references.size());
     std::string geometry = geometry_path(path);
     std::FILE* stream = files.open(path, r);
     if (!stream) return r.code;

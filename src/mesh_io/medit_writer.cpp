@@ -107,6 +107,7 @@ int __write_medit(__output_files& files, std::string const& path, mesh const& m,
 
 int __write_medit_sol(__output_files& files, std::string const& path, mesh const& m, io_options const&, io_report& r)
 {
+    if (m.node_fields.empty()) return __fail(r, io_bad_mesh, path, "no node field to write");
     r.nodes = m.nbr_nodes();
     return write_solution(files, path, m, r);
 }

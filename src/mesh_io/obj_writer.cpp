@@ -25,6 +25,7 @@ int __write_OBJ(__output_files& files, std::string const& path, mesh const& m, i
     for (mesh_field const& f : m.node_fields)
         if (&f != normals && &f != textures) __pass_over(r, "node field " + f.name, 1);
     __pass_over_fields(r, m.element_fields, "element");
+    __pass_over_numbers(r, m);
     std::FILE* stream = files.open(path, r);
     if (!stream) return r.code;
     __text_sink out(stream);

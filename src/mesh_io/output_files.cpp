@@ -68,12 +68,12 @@ int __output_files::commit(io_report& r)
 {
     for (entry& e : entries_) {
         if (!e.stream) continue;
-        bool failed = std::fflush(e.stream) != 0 || std::ferror(e.stream);
-        int saved = errno;
-        failed = std::fclose(e.stream) != 0 || failed;
+        int error = 0;
+        if (std::fflush(e.stream) != 0 || std::ferror(e.stream)) error = errno ? errno : EIO;
+        if (std::fclose(e.stream) != 0 && !error) error = errno ? errno : EIO;
         e.stream = nullptr;
-        if (failed) {
-            errno = saved ? saved : errno;
+        if (error) {
+            errno = error;
             return __fail(r, io_write_failed, e.final, "the data could not all be written (" + reason() + ")");
         }
     }

@@ -56,8 +56,7 @@ int __write_STL(__output_files& files, std::string const& path, mesh const& m, i
     if (r.elements > 0xFFFFFFFFu) return __fail(r, io_bad_mesh, path, "more triangles than binary STL can count");
     __pass_over_fields(r, m.node_fields, "node");
     __pass_over_fields(r, m.element_fields, "element");
-    for (element_block const& b : m.blocks)
-        if (b.type == ET_FACE_T3 && !b.references.empty()) __pass_over(r, "references", b.references.size());
+    __pass_over_numbers(r, m);
     std::FILE* stream = files.open(path, r);
     if (!stream) return r.code;
     __text_sink out(stream);

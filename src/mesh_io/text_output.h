@@ -34,6 +34,13 @@ bool __in_table(element_type type)
     return Table[type].name != nullptr;
 }
 
+// Reports the references and node IDs a format does not keep as passed over.
+inline void __pass_over_numbers(io_report& r, mesh const& m)
+{
+    for (element_block const& b : m.blocks) __pass_over(r, "references", b.references.size());
+    __pass_over(r, "node IDs", m.node_IDs.size());
+}
+
 // Reports the fields a format does not keep as passed over.
 inline void __pass_over_fields(io_report& r, std::vector<mesh_field> const& fields, char const* kind)
 {
