@@ -20,7 +20,8 @@ std::string trimmed(std::string const& line)
     return a == std::string::npos ? std::string() : line.substr(a, b - a + 1);
 }
 
-// The text of blocks 403 and 404 behind their numbers, and the numbers of the others.
+// The text of blocks 403 and 404 behind their numbers; the other blocks, and lines between
+// blocks, are passed over. False when the last block is not closed.
 struct blocks_found {
     std::string nodes = "403\n", elements = "404\n";
     bool any = false;
@@ -38,16 +39,19 @@ bool split_blocks(std::string const& text, blocks_found& found, io_report& r)
             inside = false;
             continue;
         }
-        if (expect_number) {
+        if (expect_number && !word.empty()) {
             block = word, inside = true, expect_number = false, found.any = true;
             if (block != "403" && block != "404") __pass_over(r, "data block " + block, 1);
             continue;
         }
-        if (!inside) return false;
+        if (!inside) {
+            if (!word.empty()) __pass_over(r, "lines outside the data blocks", 1);
+            continue;
+        }
         if (block == "403") found.nodes += line + "\n";
         if (block == "404") found.elements += line + "\n";
     }
-    return !inside && !expect_number;
+    return !inside;
 }
 
 }  // namespace
@@ -56,8 +60,8 @@ int __read_FEMAP(std::string const& path, mesh& m, io_report& r)
 {
     blocks_found found;
     if (!split_blocks(__file_text(path), found, r) || !found.any)
-        return __fail(r, io_malformed, path, "not a FEMAP neutral file, or cut short: text outside the blocks "
-                                             "that open and close with a \"-1\" line");
+        return __fail(r, io_malformed, path, found.any ? "cut short: the last data block is not closed by a \"-1\" line"
+                                                       : "not a FEMAP neutral file: no data block opened by a \"-1\" line");
     dense2D<unsigned> connectM;
     dense1D<unsigned, 8> indices, IDs;
     dense1D<int, 8> FEs;

@@ -23,12 +23,13 @@ int explain_failure(std::string const& path, io_report& r)
     dense1D<unsigned, 8> indices, PIDs;
     dense1D<int, 8> FEs;
     int code = __NASTRAN_input(in, pos, connectM, indices, FEs, PIDs);
-    if (code == -199) return __fail(r, io_no_memory, path, "not enough memory for the nodes and elements");
     std::streamoff stop = in.tellg();
     if (stop < 0) return __fail(r, io_malformed, path, "no BEGIN BULK line: not a NASTRAN bulk data deck");
     std::size_t line = __line_number(text, static_cast<std::size_t>(stop));
-    return __fail(r, io_malformed, path,
-                  "line " + std::to_string(line) + ": malformed GRID card or grid ID 0: \"" + __line_at(text, line) + "\"");
+    std::string where = "line " + std::to_string(line) + ": ";
+    if (code == -199)
+        return __fail(r, io_no_memory, path, where + "a grid ID above 99999999, or not enough memory for it");
+    return __fail(r, io_malformed, path, where + "malformed GRID card or grid ID 0: \"" + __line_at(text, line) + "\"");
 }
 
 // The format function reads local node i from file position read[i] (or i), the portable writer
