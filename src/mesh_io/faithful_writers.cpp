@@ -1,5 +1,6 @@
 // The write_mesh forms that hand the mesh to the format functions, whose bytes, limits and
 // refusals are kept as they are.
+#include "exchange/convenience_forms.h"
 #include "exchange/femap_tables.h"
 #include "exchange/nastran_tables.h"
 #include "mesh_io/mesh_io.h"
@@ -89,6 +90,29 @@ int result(io_report& r, std::string const& path, int code)
 bool any_type(element_type) { return true; }
 bool nastran_card(element_type type) { return __nastran_cards[type].name != nullptr; }
 bool femap_record(element_type type) { return __femap_kind_of_type(type) != nullptr; }
+
+// The writers of a range of groups, one group per block.
+int write_range(__range_writer write, __output_files& files, std::string const& path, mesh const& m, io_report& r)
+{
+    block_range range;
+    std::string temp = files.reserve(path, r);
+    if (temp.empty()) return r.code;
+    if (!range_of(m, range)) return no_memory(r, path);
+    __count_written(r, m, any_type);
+    return result(r, path, write(temp.c_str(), m.pos, range.first(), range.last(), range.FEs));
+}
+
+// The writers of one matrix cut into groups, the references (or 1) as values per element.
+int write_grouped(__grouped_writer write, bool (*keeps)(element_type), __output_files& files, std::string const& path,
+                  mesh const& m, io_report& r)
+{
+    grouped_blocks g;
+    std::string temp = files.reserve(path, r);
+    if (temp.empty()) return r.code;
+    if (!grouped_of(m, 1, g)) return no_memory(r, path);
+    __count_written(r, m, keeps);
+    return result(r, path, write(temp.c_str(), m.pos, g.connectM, g.indices, g.FEs, g.values));
+}
 bool triangle(element_type type) { return type == ET_FACE_T3; }
 bool obj_face(element_type type) { return type == ET_FACE_T3 || type == ET_FACE_Q4; }
 
@@ -97,34 +121,19 @@ bool obj_face(element_type type) { return type == ET_FACE_T3 || type == ET_FACE_
 int __write_VTK_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&,
                          io_report& r)
 {
-    block_range range;
-    std::string temp = files.reserve(path, r);
-    if (temp.empty()) return r.code;
-    if (!range_of(m, range)) return no_memory(r, path);
-    __count_written(r, m, any_type);
-    return result(r, path, vtk_output(temp.c_str(), m.pos, range.first(), range.last(), range.FEs));
+    return write_range(vtk_output, files, path, m, r);
 }
 
 int __write_medit_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&,
                            io_report& r)
 {
-    block_range range;
-    std::string temp = files.reserve(path, r);
-    if (temp.empty()) return r.code;
-    if (!range_of(m, range)) return no_memory(r, path);
-    __count_written(r, m, any_type);
-    return result(r, path, medit_output(temp.c_str(), m.pos, range.first(), range.last(), range.FEs));
+    return write_range(medit_output, files, path, m, r);
 }
 
 int __write_ensight_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&,
                              io_report& r)
 {
-    block_range range;
-    std::string temp = files.reserve(path, r);
-    if (temp.empty()) return r.code;
-    if (!range_of(m, range)) return no_memory(r, path);
-    __count_written(r, m, any_type);
-    return result(r, path, ensight_output(temp.c_str(), m.pos, range.first(), range.last(), range.FEs));
+    return write_range(ensight_output, files, path, m, r);
 }
 
 // The first node field as a scalar or vector solution.
@@ -145,23 +154,13 @@ int __write_medit_sol_faithful(__output_files& files, std::string const& path, m
 int __write_NASTRAN_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&,
                              io_report& r)
 {
-    grouped_blocks g;
-    std::string temp = files.reserve(path, r);
-    if (temp.empty()) return r.code;
-    if (!grouped_of(m, 1, g)) return no_memory(r, path);
-    __count_written(r, m, nastran_card);
-    return result(r, path, NASTRAN_output(temp.c_str(), m.pos, g.connectM, g.indices, g.FEs, g.values));
+    return write_grouped(NASTRAN_output, nastran_card, files, path, m, r);
 }
 
 int __write_FEMAP_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&,
                            io_report& r)
 {
-    grouped_blocks g;
-    std::string temp = files.reserve(path, r);
-    if (temp.empty()) return r.code;
-    if (!grouped_of(m, 1, g)) return no_memory(r, path);
-    __count_written(r, m, femap_record);
-    return result(r, path, FEMAP_output(temp.c_str(), m.pos, g.connectM, g.indices, g.FEs, g.values));
+    return write_grouped(FEMAP_output, femap_record, files, path, m, r);
 }
 
 int __write_STL_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const& options,

@@ -5,11 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
-#include <map>
-#include <sstream>
-#include <sys/wait.h>
+#include <algorithm>
 
 using namespace mesh_io_test;
 using exchange_test::temp_path;
@@ -17,26 +13,6 @@ using exchange_test::temp_path;
 namespace {
 
 using counts = std::map<std::string, long>;
-
-// What read_volumes.py prints for `reader` on `path`; false when the reader is not installed.
-bool read_with(char const* reader, std::string const& path, counts& found)
-{
-    std::string command = std::string("/usr/bin/python3 ") + TESSARIUM_SOURCE_DIR + "/tests/mesh_io/read_volumes.py " +
-                          reader + " '" + path + "' 2>&1";
-    std::FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return false;
-    std::string output;
-    std::array<char, 256> chunk;
-    while (std::fgets(chunk.data(), chunk.size(), pipe)) output += chunk.data();
-    int status = pclose(pipe);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) == 77 || WEXITSTATUS(status) == 127) return false;
-    EXPECT_EQ(WEXITSTATUS(status), 0) << output;
-    std::istringstream lines(output);
-    std::string name;
-    long n;
-    while (lines >> name >> n) found[name] = n;
-    return true;
-}
 
 // The kind names of meshio, which the script uses for every reader.
 char const* kind_name(element_type type)
@@ -121,7 +97,7 @@ TEST(MeshInterop, PortableFilesReadByOtherPrograms)
         io_report w = write_mesh(path, written);
         ASSERT_TRUE(w) << w.message;
         counts found;
-        if (!read_with(c.reader, path, found)) continue;
+        if (!exchange_test::run_read_script("tests/mesh_io/read_volumes.py", c.reader, path, found)) continue;
         ++read;
         mesh kept = only(written, [&](element_type t) { return !among(c.left_out, t); });
         long used = 0;  // every element has nodes of its own
