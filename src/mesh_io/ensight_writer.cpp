@@ -18,8 +18,7 @@ std::string file_name(std::string const& path) { return path.substr(path.find_la
 int __write_ensight(__output_files& files, std::string const& path, mesh const& m, io_options const&, io_report& r)
 {
     __count_written(r, m, __in_table<__ensight_cells>);
-    __pass_over_fields(r, m.node_fields, "node");
-    __pass_over_fields(r, m.element_fields, "element");
+    __pass_over_fields(r, m);
     for (element_block const& b : m.blocks) __pass_over(r, "references", b.references.size());
     std::string geometry = geometry_path(path);
     std::FILE* stream = files.open(path, r);

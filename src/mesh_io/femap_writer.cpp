@@ -14,8 +14,7 @@ bool has_record(element_type type) { return __femap_kind_of_type(type) != nullpt
 int __write_FEMAP(__output_files& files, std::string const& path, mesh const& m, io_options const&, io_report& r)
 {
     __count_written(r, m, has_record);
-    __pass_over_fields(r, m.node_fields, "node");
-    __pass_over_fields(r, m.element_fields, "element");
+    __pass_over_fields(r, m);
     std::FILE* stream = files.open(path, r);
     if (!stream) return r.code;
     __text_sink out(stream);

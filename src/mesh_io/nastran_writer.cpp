@@ -32,8 +32,7 @@ int __write_NASTRAN(__output_files& files, std::string const& path, mesh const& 
 {
     if (!IDs_fit(path, m, r)) return r.code;
     __count_written(r, m, __in_table<__nastran_cells>);
-    __pass_over_fields(r, m.node_fields, "node");
-    __pass_over_fields(r, m.element_fields, "element");
+    __pass_over_fields(r, m);
     std::FILE* stream = files.open(path, r);
     if (!stream) return r.code;
     __text_sink out(stream);

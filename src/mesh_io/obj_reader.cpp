@@ -1,7 +1,10 @@
 // Wavefront OBJ through the format function; normals and texture coordinates given for every
 // vertex become the node fields "normal" and "texture".
+#include "mesh_io/file_text.h"
 #include "mesh_io/mesh_io.h"
 #include "tessarium/wavefront_obj.h"
+
+#include <sstream>
 
 namespace qv7 {
 namespace tessarium {
@@ -25,6 +28,25 @@ void add_block(mesh& m, element_type type, dense2D<unsigned> const& connect)
     m.blocks.push_back(b);
 }
 
+// What the format function passes over without a word: lines of other keywords, and faces of
+// other than three or four vertices.
+void count_passed_over(std::string const& path, io_report& r)
+{
+    std::istringstream in(__file_text(path));
+    std::string line, keyword, vertex;
+    while (std::getline(in, line)) {
+        std::istringstream words(line);
+        if (!(words >> keyword) || keyword == "v" || keyword == "vn" || keyword == "vt" || keyword[0] == '#') continue;
+        if (keyword != "f") {
+            __pass_over(r, "\"" + keyword + "\" lines", 1);
+            continue;
+        }
+        std::size_t n = 0;
+        while (words >> vertex) ++n;
+        if (n != 3 && n != 4) __pass_over(r, "faces of " + std::to_string(n) + " vertices", 1);
+    }
+}
+
 }  // namespace
 
 int __read_OBJ(std::string const& path, mesh& m, io_report& r)
@@ -36,6 +58,7 @@ int __read_OBJ(std::string const& path, mesh& m, io_report& r)
     if (code < 0)
         return __fail(r, io_malformed, path, "a \"v\", \"vn\", \"vt\" or \"f\" line is malformed");
     if (m.pos.cols() == 0) return __fail(r, io_malformed, path, "no \"v\" line: not a Wavefront OBJ file");
+    count_passed_over(path, r);
     keep_per_node(m, "normal", normals, "vn", r);
     keep_per_node(m, "texture", textures, "vt", r);
     add_block(m, ET_FACE_T3, T3);

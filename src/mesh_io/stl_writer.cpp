@@ -54,8 +54,7 @@ int __write_STL(__output_files& files, std::string const& path, mesh const& m, i
 {
     __count_written(r, m, triangles_only);
     if (r.elements > 0xFFFFFFFFu) return __fail(r, io_bad_mesh, path, "more triangles than binary STL can count");
-    __pass_over_fields(r, m.node_fields, "node");
-    __pass_over_fields(r, m.element_fields, "element");
+    __pass_over_fields(r, m);
     __pass_over_numbers(r, m);
     std::FILE* stream = files.open(path, r);
     if (!stream) return r.code;

@@ -46,6 +46,11 @@ inline void __pass_over_fields(io_report& r, std::vector<mesh_field> const& fiel
 {
     for (mesh_field const& f : fields) __pass_over(r, std::string(kind) + " field " + f.name, 1);
 }
+inline void __pass_over_fields(io_report& r, mesh const& m)
+{
+    __pass_over_fields(r, m.node_fields, "node");
+    __pass_over_fields(r, m.element_fields, "element");
+}
 
 }  // namespace tessarium
 }  // namespace qv7

@@ -106,3 +106,20 @@ TEST(MeshInterop, PortableFilesReadByOtherPrograms)
     }
     if (read == 0) GTEST_SKIP() << "none of meshio, VTK, gmsh and numpy-stl is installed";
 }
+
+TEST(MeshInterop, VtkFieldsAndReferencesReadByMeshio)
+{
+    mesh m = only(every_type(), [](element_type t) { return t == ET_TETRA4 || t == ET_HEXA8; });
+    m.node_fields.push_back({"T", dense2D<double>()});
+    m.node_fields.back().values.resize(1, m.nbr_nodes(), 0.5);
+    m.element_fields.push_back({"stress", dense2D<double>()});
+    m.element_fields.back().values.resize(6, 2, 1e-300);
+    std::string path = temp_path("fields.vtk");
+    ASSERT_TRUE(write_mesh(path, m));
+    counts found;
+    if (!exchange_test::run_read_script("tests/mesh_io/read_volumes.py", "meshio", path, found))
+        GTEST_SKIP() << "meshio is not installed";
+    counts want = expected(m, static_cast<long>(m.nbr_nodes()));
+    want.insert({{"point_data_T", 1}, {"cell_data_stress", 6}, {"cell_data_reference", 1}});
+    EXPECT_EQ(found, want);
+}

@@ -100,8 +100,13 @@ def report(points, cells, faces):
 
 
 def with_meshio(path):
+    """Also prints "point_data_<name> <components>" and "cell_data_<name> <components>"."""
     meshio = need("meshio")
     m = meshio.read(path)
+    for name, values in sorted(m.point_data.items()):
+        print("point_data_%s %d" % (name, 1 if values.ndim == 1 else values.shape[1]))
+    for name, blocks in sorted(m.cell_data.items()):
+        print("cell_data_%s %d" % (name, 1 if blocks[0].ndim == 1 else blocks[0].shape[1]))
     return m.points, [(block.type, row) for block in m.cells for row in block.data]
 
 

@@ -164,3 +164,22 @@ TEST(MeshValue, CountsBoxAndMixedForms)
     EXPECT_EQ(from_mixed, corners);
     EXPECT_EQ(add_mixed(back, solids, ET_HEXA8), -3);  // a shape check_IDs refuses
 }
+
+TEST(MeshRoundTrip, MeditSolutionBesideTheMeshInKeywordForm)
+{
+    mesh m;
+    m.pos = exchange_test::coords(2, {0, 0, 1, 0});
+    m.node_fields.push_back({"h", exchange_test::coords(1, {0.5, 0.25})});
+    m.node_fields.push_back({"u", exchange_test::coords(2, {1, 2, 3, 4})});
+    m.node_fields.push_back({"odd", exchange_test::coords(5, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0})});
+    std::string path = temp_path("with_fields.mesh");
+    io_report r = write_mesh(path, m);
+    ASSERT_TRUE(r) << r.message;
+    ASSERT_EQ(r.passed_over.size(), 1u);
+    EXPECT_EQ(r.passed_over[0].what, "node field odd");
+    std::string sol = path.substr(0, path.size() - 5) + ".sol";
+    EXPECT_EQ(exchange_test::contents(sol),
+              "MeshVersionFormatted 2\n\nDimension 2\n\nSolAtVertices\n2\n2 1 2\n0.5 1 2\n0.25 3 4\n\nEnd\n");
+    EXPECT_EQ(exchange_test::contents(path),
+              "MeshVersionFormatted 2\n\nDimension 2\n\nVertices\n2\n0 0 0\n1 0 0\n\nEnd\n");
+}
