@@ -132,3 +132,28 @@ TEST(MeshBadFiles, FullDiskReportedAndNoFileLeft)
     EXPECT_NE(r.message.find("could not all be written"), std::string::npos) << r.message;
     EXPECT_EQ(entries(folder), before);
 }
+
+TEST(MeshBadFiles, FilesOfOtherSoftwareReadWholeOrRefused)
+{
+    for (char const* format : {"nastran", "femap", "stl", "obj"}) {
+        std::string folder = exchange_test::corpus_dir(format);
+        if (folder.empty()) GTEST_SKIP() << "no files of other software on this machine";
+        DIR* d = opendir(folder.c_str());
+        ASSERT_NE(d, nullptr);
+        while (dirent* entry = readdir(d)) {
+            if (entry->d_name[0] == '.') continue;
+            std::string path = folder + entry->d_name;
+            mesh m;
+            io_report r = read_mesh(path, m);
+            if (!r) {
+                EXPECT_TRUE(m.empty()) << path;
+                EXPECT_EQ(r.message.rfind(path + ": ", 0), 0u) << r.message;
+                continue;
+            }
+            EXPECT_EQ(r.elements, m.nbr_elements());
+            for (element_block const& b : m.blocks)
+                EXPECT_TRUE(check_IDs(b.connect, b.type, static_cast<unsigned>(m.nbr_nodes()))) << path;
+        }
+        closedir(d);
+    }
+}
