@@ -7,7 +7,11 @@
 #include "mesh_io/mesh_io.h"
 #include "tessarium/nastran.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cstring>
 #include <sstream>
+#include <vector>
 
 namespace qv7 {
 namespace tessarium {
@@ -52,6 +56,82 @@ void to_written_order(element_type type, dense2D<unsigned>& M)
     }
 }
 
+bool is_element_card(std::string const& name)
+{
+    auto less = [](__nastran_card_name const& c, std::string const& n) { return n.compare(c.name) > 0; };
+    auto it = std::lower_bound(std::begin(__nastran_card_names), std::end(__nastran_card_names), name, less);
+    return it != std::end(__nastran_card_names) && name == it->name;
+}
+
+// The length of the name a card line begins with: up to 8 characters before a comma, a blank or
+// a star.
+bool ends_name(char c) { return c == ',' || c == ' ' || c == '*' || c == '\t' || c == '\r'; }
+
+std::size_t name_length(char const* line, std::size_t length)
+{
+    std::size_t n = 0;
+    while (n < length && n < 8 && !ends_name(line[n])) ++n;
+    return n;
+}
+
+// Card names by how the format function takes them; the last one is remembered, since decks
+// list cards of one kind in long runs.
+struct card_tally {
+    enum kind { grid, element, other, end };
+    std::string last;
+    kind last_kind = other;
+    std::size_t element_cards = 0;
+
+    kind take(char const* line, std::size_t length, io_report& r)
+    {
+        std::size_t n = last.size();
+        bool same = n != 0 && n <= length && (n == length || n == 8 || ends_name(line[n])) &&
+                    std::memcmp(line, last.data(), n) == 0;
+        if (!same) {
+            last.assign(line, name_length(line, length));
+            last_kind = last == "GRID" ? grid : last == "ENDDATA" ? end : is_element_card(last) ? element : other;
+        }
+        if (last_kind == element) ++element_cards;
+        if (last_kind == other) __pass_over(r, last + " cards", 1);
+        return last_kind;
+    }
+};
+
+// Counts the cards of the bulk section the format function passes over, by name, and the element
+// cards it does not take (another node count, the large-field form); false when the deck has no
+// ENDDATA line. The file goes by in chunks; only the start of each line is looked at.
+bool count_passed_over(std::string const& path, std::size_t elements_read, io_report& r)
+{
+    std::FILE* in = std::fopen(path.c_str(), "rb");
+    if (!in) return false;
+    std::vector<char> buffer(1 << 20);
+    std::size_t kept = 0;
+    bool bulk = false, done = false, ended = false;
+    card_tally tally;
+    while (!done) {
+        std::size_t got = std::fread(buffer.data() + kept, 1, buffer.size() - kept, in);
+        std::size_t end = kept + got, at = 0;
+        if (got == 0) buffer[end++] = '\n', done = true;  // the last line, without its line feed
+        for (char* feed; !ended && (feed = static_cast<char*>(std::memchr(buffer.data() + at, '\n', end - at)));) {
+            char const* line = buffer.data() + at;
+            std::size_t length = static_cast<std::size_t>(feed - line);
+            at += length + 1;
+            if (!bulk)
+                bulk = std::string(line, length).find("BEGIN BULK") != std::string::npos;
+            else if (length != 0 && std::isalpha(static_cast<unsigned char>(line[0])))
+                ended = tally.take(line, length, r) == card_tally::end;
+        }
+        done = done || ended;
+        kept = end - at;
+        if (kept == buffer.size()) kept = 0;  // a line longer than the buffer is not a card start
+        std::memmove(buffer.data(), buffer.data() + at, kept);
+    }
+    std::fclose(in);
+    if (tally.element_cards > elements_read)
+        __pass_over(r, "element cards of another node count or in large field", tally.element_cards - elements_read);
+    return ended;
+}
+
 }  // namespace
 
 int __read_NASTRAN(std::string const& path, mesh& m, io_report& r)
@@ -61,8 +141,6 @@ int __read_NASTRAN(std::string const& path, mesh& m, io_report& r)
     dense1D<int, 8> FEs;
     int code = NASTRAN_input(path.c_str(), m.pos, connectM, indices, FEs, PIDs);
     if (code < 0) return explain_failure(path, r);
-    if (__file_text(path, 4096).find("ENDDATA") == std::string::npos)
-        return __fail(r, io_malformed, path, "no ENDDATA line at the end: the deck seems cut short");
     for (std::size_t g = 0; g < FEs.size(); ++g) {
         element_block b;
         b.type = static_cast<element_type>(FEs[g]);
@@ -72,6 +150,8 @@ int __read_NASTRAN(std::string const& path, mesh& m, io_report& r)
         if (__nastran_cells[b.type].name) to_written_order(b.type, b.connect);
         m.blocks.push_back(b);
     }
+    if (!count_passed_over(path, connectM.cols(), r))
+        return __fail(r, io_malformed, path, "no ENDDATA line: the deck seems cut short");
     return 0;
 }
 

@@ -183,3 +183,18 @@ TEST(MeshRoundTrip, MeditSolutionBesideTheMeshInKeywordForm)
     EXPECT_EQ(exchange_test::contents(path),
               "MeshVersionFormatted 2\n\nDimension 2\n\nVertices\n2\n0 0 0\n1 0 0\n\nEnd\n");
 }
+
+TEST(MeshRoundTrip, NastranCardsPassedOverAreCountedByName)
+{
+    std::string path = exchange_test::write_file(
+        "passed_over.bdf", "$ head\nBEGIN BULK\nMAT1,1\nPSHELL,1\nPSHELL,2\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\n"
+                           "GRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\nCTRIA3,2,1,1,2\nENDDATA\nFORCE,9\n");
+    mesh m;
+    io_report r = read_mesh(path, m);
+    ASSERT_TRUE(r) << r.message;
+    EXPECT_EQ(r.elements, 1u);
+    std::vector<std::pair<std::string, std::size_t>> passed;
+    for (io_count const& c : r.passed_over) passed.push_back({c.what, c.count});
+    EXPECT_EQ(passed, (std::vector<std::pair<std::string, std::size_t>>{
+                          {"MAT1 cards", 1}, {"PSHELL cards", 2}, {"element cards of another node count or in large field", 1}}));
+}
