@@ -42,12 +42,14 @@ double dot3(double const* a, double const* b) { return a[0] * b[0] + a[1] * b[1]
 
 }  // namespace
 
-bool eigen_pairs(symmetric_fixed<double, 2> const& M, vector_fixed<double, 2>& lambda, matrix_fixed<double, 2, 2>& V)
+bool eigen_pairs(symmetric_fixed<double, 2> const& M, vector_fixed<double, 2>& lambda,
+                 matrix_fixed<double, 2, 2>& V)
 {
     return qv7::eigen_pairs(M[0], M[1], M[2], lambda[0], lambda[1], &V[0], &V[2], true);
 }
 
-bool eigen_pairs(symmetric_fixed<double, 3> const& M, vector_fixed<double, 3>& lambda, matrix_fixed<double, 3, 3>& V)
+bool eigen_pairs(symmetric_fixed<double, 3> const& M, vector_fixed<double, 3>& lambda,
+                 matrix_fixed<double, 3, 3>& V)
 {
     return __eigen_decomposition(M, lambda, V);
 }

@@ -45,8 +45,10 @@ TEST(MetricArrays, ResultsOnBadInputInOrder)
         {[&] { return first_invalid_metric(list({1u, 0u, 3u}), T2); }, 2},
         {[&] { return first_invalid_metric(T3); }, 2},
         {[&] { return first_invalid_metric(list({1u, 3u}), T3); }, 1},
-        {[&] { return first_invalid_metric(none) + are_valid_metrics(none) * 10 + are_valid_metrics(empty) * 100; }, 110},
-        {[&] { return first_invalid_metric(four) + are_valid_metrics(four) + are_valid_metrics(list({0u}), four); }, 0},
+        {[&] { return first_invalid_metric(none) + are_valid_metrics(none) * 10 + are_valid_metrics(empty) * 100; },
+         110},
+        {[&] { return first_invalid_metric(four) + are_valid_metrics(four) + are_valid_metrics(list({0u}), four); },
+         0},
         {[&] { return bound_metric(nan3, 0, DBL_LIMIT); }, 0},
         {[&] { return bound_metric(nan3, NaN, 1); }, -2},
         {[&] { return bound_metric(nan3, 1, -inf); }, -3},
@@ -106,7 +108,8 @@ TEST(MetricArrays, PowerMeansOnA345Triangle)
         {matrix<unsigned>(3, 1, {0, 1, 2}), ET_FACE_T3, 0, {3, 3, 4}},
         {matrix<unsigned>(3, 1, {0, 1, 2}), ET_FACE_T3, DBL_LIMIT, {4, 5, 5}},
         {matrix<unsigned>(3, 1, {0, 1, 2}), ET_FACE_MIX, 1, {3.5, 4, 4.5}},
-        {matrix<unsigned>(4, 1, {0, 1, 2, NONE_ID}), ET_FACE_MIX, 2, {std::sqrt(12.5), std::sqrt(17), std::sqrt(20.5)}},
+        {matrix<unsigned>(4, 1, {0, 1, 2, NONE_ID}), ET_FACE_MIX, 2,
+         {std::sqrt(12.5), std::sqrt(17), std::sqrt(20.5)}},
     };
     for (auto& r : table) {
         dense1D<double, 8> metrics;
@@ -144,7 +147,8 @@ TEST(MetricArrays, BoundsConversionsAndRepair)
     EXPECT_EQ(metrics_iso_to_aniso2d(list<double>({2, 0}), bases, out), 0);
     EXPECT_EQ(values(out), (D{2.25, 3.5, 6.25, 0, 0, 0}));
     // [2 1 0; 1 3 0; 0 0 5] b1 = (4, 7, 10), b2 = (3, 9, 20); then I.
-    EXPECT_EQ(metrics_aniso3d_to_aniso2d(matrix<double>(6, 2, {2, 1, 3, 0, 0, 5, 1, 0, 1, 0, 0, 1}), bases, out), 0);
+    auto M3 = matrix<double>(6, 2, {2, 1, 3, 0, 0, 5, 1, 0, 1, 0, 0, 1});
+    EXPECT_EQ(metrics_aniso3d_to_aniso2d(M3, bases, out), 0);
     EXPECT_EQ(values(out), (D{38, 61, 107, 1, 0, 1}));
 
     sizes = list<double>({0, -1, NaN, 0});
