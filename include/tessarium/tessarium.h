@@ -28,3 +28,4 @@
 #include "repair.h"
 #include "wavefront_obj.h"
 #include "stl.h"
+#include "quality.h"

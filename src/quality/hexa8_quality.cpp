@@ -1,0 +1,53 @@
+// The hexahedron's shape quality: the worst corner extent over the squared sides to the power
+// 3/2, times the worst face warp, or the split around the centroid when that is worse.
+#include "quality/solid_split.h"
+
+namespace qv7 {
+namespace elfes {
+
+double hexa8::sum_sqr_sides(dense2D<double> const& coords, unsigned const* nodes) noexcept
+{
+    return elfe_algo::__sum_sqr_edges(coords, nodes, EDGES);
+}
+
+double hexa8::__tet_extent(dense2D<double> const& coords, unsigned const* nodes, unsigned corner) noexcept
+{
+    unsigned a, b, c;
+    get_connected_local_node_IDs(corner, a, b, c);
+    return __corner_extent(coords, nodes, corner, a, b, c);
+}
+
+double hexa8::__min_tet_extent(dense2D<double> const& coords, unsigned const* nodes) noexcept
+{
+    double extent = __tet_extent(coords, nodes, 0);
+    for (unsigned corner = 1; corner < 8; ++corner) extent = std::min(extent, __tet_extent(coords, nodes, corner));
+    return extent;
+}
+
+double hexa8::min_split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp) noexcept
+{
+    warp = 1.0;
+    point3 C = elfe_algo::centroid<8>(coords, nodes, 0.125);
+    double m = 1.0;
+    for (unsigned b = 0; b < 6 && m > 1e-12; ++b) {
+        unsigned face[4] = {FACES[0][b], FACES[1][b], FACES[2][b], FACES[3][b]};
+        double w;
+        m = std::min(m, elfe_algo::__face_pyramid_quality(coords, nodes, face, C, w));
+        warp = std::min(warp, w);
+    }
+    return m;
+}
+
+double hexa8::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept
+{
+    constexpr double HEXAHEDRON_SCALE = 41.569219381653056;  // 24 sqrt(3)
+    double D = __pow_three_halves(sum_sqr_sides(coords, nodes));
+    double q = D > 0.0 ? __clamp_quality(HEXAHEDRON_SCALE * __min_tet_extent(coords, nodes) / D) : 0.0;
+    if (!(q > 1e-12)) return q;
+    double warp;
+    double m = min_split_quality(coords, nodes, warp);
+    return m < 1e-12 ? m : q * warp;
+}
+
+}  // namespace elfes
+}  // namespace qv7

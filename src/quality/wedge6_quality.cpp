@@ -1,0 +1,55 @@
+// The wedge's shape quality: the worst corner extent over the squared sides to the power 3/2,
+// times the worst face warp, or the split around the centroid when that is worse.
+#include "quality/solid_split.h"
+
+namespace qv7 {
+namespace elfes {
+namespace {
+
+constexpr double WEDGE_SCALE = 31.17691453623979;  // 18 sqrt(3)
+
+// Corner i and the three nodes joined to it, turned so that a right prism is positive.
+constexpr unsigned char CORNERS[6][4] = {{0, 1, 2, 3}, {1, 2, 0, 4}, {2, 0, 1, 5},
+                                         {3, 0, 5, 4}, {4, 1, 3, 5}, {5, 2, 4, 3}};
+
+}  // namespace
+
+double wedge6::sum_sqr_sides(dense2D<double> const& coords, unsigned const* nodes) noexcept
+{
+    return elfe_algo::__sum_sqr_edges(coords, nodes, EDGES);
+}
+
+double wedge6::min_split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp) noexcept
+{
+    warp = 1.0;
+    point3 C = elfe_algo::centroid<6>(coords, nodes, 0.16666666666666666);
+    double m = 1.0;
+    for (unsigned b = 0; b < 2; ++b) {
+        unsigned face[3] = {FACES[0][b], FACES[1][b], FACES[2][b]};
+        m = std::min(m, elfe_algo::__face_tetra_quality(coords, nodes, face, C));
+        if (!(m > 1e-12)) return m;
+    }
+    for (unsigned b = 2; b < 5; ++b) {
+        unsigned face[4] = {FACES[0][b], FACES[1][b], FACES[2][b], FACES[3][b]};
+        double w;
+        m = std::min(m, elfe_algo::__face_pyramid_quality(coords, nodes, face, C, w));
+        warp = std::min(warp, w);
+        if (!(m > 1e-12)) break;
+    }
+    return m;
+}
+
+double wedge6::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept
+{
+    double D = __pow_three_halves(sum_sqr_sides(coords, nodes));
+    double extent = __corner_extent(coords, nodes, 0, 1, 2, 3);
+    for (auto const& c : CORNERS) extent = std::min(extent, __corner_extent(coords, nodes, c[0], c[1], c[2], c[3]));
+    double q = D > 0.0 ? __clamp_quality(WEDGE_SCALE * extent / D) : 0.0;
+    if (!(q > 1e-12)) return q;
+    double warp;
+    double m = min_split_quality(coords, nodes, warp);
+    return m < 1e-12 ? m : q * warp;
+}
+
+}  // namespace elfes
+}  // namespace qv7
