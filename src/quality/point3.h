@@ -52,8 +52,9 @@ double __corner_extent(Coords const& coords, unsigned const* nodes, unsigned i, 
 
 inline double __clamp_quality(double q, double low = -1.0) noexcept { return q < low ? low : q > 1.0 ? 1.0 : q; }
 
-// The shared scale of the solids' corner measures: a sum of squared sides to the power 3/2.
-inline double __pow_three_halves(double s) noexcept { return std::pow(s, 1.5); }
+// The shared scale of the solids' corner measures: a sum of squared sides to the power 3/2,
+// without the cost of pow.
+inline double __pow_three_halves(double s) noexcept { return s * std::sqrt(s); }
 
 }  // namespace elfes
 }  // namespace qv7
