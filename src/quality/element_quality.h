@@ -1,25 +1,10 @@
-// The shape quality of one element, chosen by its descriptor, and the walk over the columns of a
-// connectivity array that the mesh-wide entries share.
+// The shape quality of one element, chosen by its descriptor.
 #pragma once
 
 #include "quality/pyramid5_quality.h"
 
-#include <algorithm>
-
 namespace qv7 {
 namespace elfe_algo {
-
-// f(column, nodes) for each element, the nodes of the column copied to a local array first.
-template <class Elfe, class F>
-void __for_each_element(dense2D<unsigned> const& connectM, Elfe, F&& f)
-{
-    unsigned nodes[8];
-    for (std::size_t j = 0; j < connectM.cols(); ++j) {
-        unsigned const* column = connectM.col(j);
-        std::copy(column, column + Elfe::nbr_rows, nodes);
-        f(j, static_cast<unsigned const*>(nodes));
-    }
-}
 
 inline double element_quality(dense2D<double> const&, unsigned const*, elfes::edge2) noexcept { return 1.0; }
 inline double element_quality(dense2D<double> const& coords, unsigned const* nodes, elfes::faceT3) noexcept

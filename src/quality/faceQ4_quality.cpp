@@ -9,18 +9,18 @@ namespace {
 
 constexpr double QUADRANGLE_SCALE = 5.656854249492381;  // 4 sqrt(2)
 
-// Perimeter L and the longest of the sides and diagonals H; L * H is 0 for coincident points.
-void perimeter_and_span(point3 const (&P)[4], double& L, double& H) noexcept
+// The corner normals N, and the product of the perimeter and of the longest of the sides and
+// diagonals: 0 for coincident points.
+double corners_and_scale(dense2D<double> const& coords, unsigned const* nodes, point3 (&N)[4]) noexcept
 {
+    point3 P[4];
+    for (unsigned i = 0; i < 4; ++i) P[i] = __point(coords, nodes[i]);
+    __corner_normals(coords, nodes, N);
     double side[4];
     for (unsigned i = 0; i < 4; ++i) side[i] = __norm(__minus(P[(i + 1) % 4], P[i]));
-    L = side[0] + side[1] + side[2] + side[3];
-    H = std::max({side[0], side[1], side[2], side[3], __norm(__minus(P[2], P[0])), __norm(__minus(P[3], P[1]))});
-}
-
-void corners(dense2D<double> const& coords, unsigned const* nodes, point3 (&P)[4]) noexcept
-{
-    for (unsigned i = 0; i < 4; ++i) P[i] = __point(coords, nodes[i]);
+    double L = side[0] + side[1] + side[2] + side[3];
+    double H = std::max({side[0], side[1], side[2], side[3], __norm(__minus(P[2], P[0])), __norm(__minus(P[3], P[1]))});
+    return H * L;
 }
 
 }  // namespace
@@ -28,27 +28,21 @@ void corners(dense2D<double> const& coords, unsigned const* nodes, point3 (&P)[4
 // Signed in the plane: the smallest corner cross product, negative at a re-entrant corner.
 double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes, fixed_size_tag<2u>) noexcept
 {
-    point3 P[4], N[4];
-    corners(coords, nodes, P);
-    __corner_normals(coords, nodes, N);
-    double L, H;
-    perimeter_and_span(P, L, H);
+    point3 N[4];
+    double HL = corners_and_scale(coords, nodes, N);
     double X = std::min({N[0][2], N[1][2], N[2][2], N[3][2]});
-    if (!(H * L > 0.0)) return 0.0;
-    return __clamp_quality(QUADRANGLE_SCALE * X / (H * L));
+    if (!(HL > 0.0)) return 0.0;
+    return __clamp_quality(QUADRANGLE_SCALE * X / HL);
 }
 
 // Unsigned in space: the smallest corner normal's length, times the warp factor.
 double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes, fixed_size_tag<3u>) noexcept
 {
-    point3 P[4], N[4];
-    corners(coords, nodes, P);
-    __corner_normals(coords, nodes, N);
-    double L, H;
-    perimeter_and_span(P, L, H);
+    point3 N[4];
+    double HL = corners_and_scale(coords, nodes, N);
     double length[4] = {__norm(N[0]), __norm(N[1]), __norm(N[2]), __norm(N[3])};
     double X = std::min({length[0], length[1], length[2], length[3]});
-    double base = H * L > 0.0 ? QUADRANGLE_SCALE * X / (H * L) : 0.0;
+    double base = HL > 0.0 ? QUADRANGLE_SCALE * X / HL : 0.0;
     double warp = 0.0;
     if (X > 0.0)
         warp = __warp_factor(std::min(__dot(N[0], N[2]) / (length[0] * length[2]),

@@ -41,12 +41,8 @@ double hexa8::min_split_quality(dense2D<double> const& coords, unsigned const* n
 double hexa8::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept
 {
     constexpr double HEXAHEDRON_SCALE = 41.569219381653056;  // 24 sqrt(3)
-    double D = __pow_three_halves(sum_sqr_sides(coords, nodes));
-    double q = D > 0.0 ? __clamp_quality(HEXAHEDRON_SCALE * __min_tet_extent(coords, nodes) / D) : 0.0;
-    if (!(q > 1e-12)) return q;
-    double warp;
-    double m = min_split_quality(coords, nodes, warp);
-    return m < 1e-12 ? m : q * warp;
+    return elfe_algo::__corner_and_split_quality<hexa8>(coords, nodes, HEXAHEDRON_SCALE,
+                                                       __min_tet_extent(coords, nodes));
 }
 
 }  // namespace elfes

@@ -1,9 +1,7 @@
 // One Jacobian value per element at a fixed sample point: a norm for edges and faces, a signed
 // determinant for solids.
-#include "connectivity/elfe_dispatch.h"
-#include "quality/element_quality.h"
 #include "quality/jacobian_matrix.h"
-#include "search/node_count.h"
+#include "quality/per_element.h"
 #include "tessarium/quality.h"
 
 namespace qv7 {
@@ -80,18 +78,8 @@ double jacobian(dense2D<double> const& coords, unsigned const* nodes, solid_mix)
 int jacobians(dense2D<double> const& coords, dense2D<unsigned> const& connectM, element_type type,
               dense1D<double, 8>& jacs)
 {
-    jacs.clear();
-    if (connectM.cols() == 0) return 0;
-    if (!check_IDs(connectM, type, __node_count(coords))) return -2;
-    if (!jacs.resize(connectM.cols())) return -199;
-    std::fill(jacs.begin(), jacs.end(), 0.0);
-    int code = __with_elfe(__narrow(type, connectM.rows()), -3, [&](auto elfe) {
-        elfe_algo::__for_each_element(connectM, elfe,
-                                      [&](std::size_t j, unsigned const* nodes) { jacs[j] = jacobian(coords, nodes, elfe); });
-        return 0;
-    });
-    if (code != 0) jacs.clear();
-    return code;
+    return __per_element_values(coords, connectM, type, jacs,
+                                [&](unsigned const* nodes, auto elfe) { return jacobian(coords, nodes, elfe); });
 }
 
 }  // namespace tessarium

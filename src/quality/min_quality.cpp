@@ -1,7 +1,6 @@
 // The worst element of a mesh and its quality.
-#include "connectivity/elfe_dispatch.h"
 #include "quality/element_quality.h"
-#include "search/node_count.h"
+#include "quality/per_element.h"
 #include "tessarium/quality.h"
 
 #include <type_traits>

@@ -53,5 +53,19 @@ inline double __face_tetra_quality(dense2D<double> const& coords, unsigned const
     return elfes::tetra4::geometric_quality(coords, reversed, C);
 }
 
+// The corner quality, scale * extent over the squared sides to the power 3/2; past it the split:
+// its own value when that is below flat, else the corner quality times the worst face warp.
+template <class Solid>
+double __corner_and_split_quality(dense2D<double> const& coords, unsigned const* nodes, double scale,
+                                  double extent) noexcept
+{
+    double D = elfes::__pow_three_halves(Solid::sum_sqr_sides(coords, nodes));
+    double q = D > 0.0 ? elfes::__clamp_quality(scale * extent / D) : 0.0;
+    if (!(q > 1e-12)) return q;
+    double warp;
+    double m = Solid::min_split_quality(coords, nodes, warp);
+    return m < 1e-12 ? m : q * warp;
+}
+
 }  // namespace elfe_algo
 }  // namespace qv7

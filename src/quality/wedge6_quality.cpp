@@ -41,14 +41,9 @@ double wedge6::min_split_quality(dense2D<double> const& coords, unsigned const* 
 
 double wedge6::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept
 {
-    double D = __pow_three_halves(sum_sqr_sides(coords, nodes));
     double extent = __corner_extent(coords, nodes, 0, 1, 2, 3);
     for (auto const& c : CORNERS) extent = std::min(extent, __corner_extent(coords, nodes, c[0], c[1], c[2], c[3]));
-    double q = D > 0.0 ? __clamp_quality(WEDGE_SCALE * extent / D) : 0.0;
-    if (!(q > 1e-12)) return q;
-    double warp;
-    double m = min_split_quality(coords, nodes, warp);
-    return m < 1e-12 ? m : q * warp;
+    return elfe_algo::__corner_and_split_quality<wedge6>(coords, nodes, WEDGE_SCALE, extent);
 }
 
 }  // namespace elfes
