@@ -43,10 +43,11 @@ double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const
     double length[4] = {__norm(N[0]), __norm(N[1]), __norm(N[2]), __norm(N[3])};
     double X = std::min({length[0], length[1], length[2], length[3]});
     double base = HL > 0.0 ? QUADRANGLE_SCALE * X / HL : 0.0;
+    // The products are tested too: two tiny normals can underflow to 0 between them.
+    double p02 = length[0] * length[2], p13 = length[1] * length[3];
     double warp = 0.0;
-    if (X > 0.0)
-        warp = __warp_factor(std::min(__dot(N[0], N[2]) / (length[0] * length[2]),
-                                      __dot(N[1], N[3]) / (length[1] * length[3])));
+    if (X > 0.0 && p02 > 0.0 && p13 > 0.0)
+        warp = __warp_factor(std::min(__dot(N[0], N[2]) / p02, __dot(N[1], N[3]) / p13));
     return __clamp_quality(base * warp, 0.0);
 }
 

@@ -57,6 +57,9 @@ TEST(GeometricQuality, IdealMirroredAndCollapsedElements)
         // Faces in space have no sign; in the plane, and solids, they have.
         EXPECT_NEAR(quality(mirror), is_face(e) ? 1.0 : -1.0, 1e-7) << e.type;
         EXPECT_EQ(quality(point), 0.0) << e.type;
+        // So small that squares underflow: no division by zero, no NaN.
+        double tiny = quality(moved(e, IDENTITY, 1e-160, ORIGIN));
+        EXPECT_TRUE(tiny >= 0.0 && tiny <= 1.0) << e.type << " " << tiny;
         if (!is_face(e)) continue;
         EXPECT_NEAR(quality(e, 2), 1.0, 1e-15) << e.type;
         EXPECT_NEAR(quality(mirror, 2), -1.0, 1e-15) << e.type;
