@@ -4,14 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <vector>
 
 using namespace qv7;
 
 namespace {
 
-// All ideal elements side by side in one coordinate array, each as a column of `mixed` with
-// NONE_ID in its spare rows, and the quality each gets alone.
+// The ideal elements, moved off their ideal shape, side by side in one coordinate array, each as
+// a column of `faces` or `solids` with NONE_ID in its spare rows, and the quality each gets alone.
 struct mixed_mesh {
     dense2D<double> pos;
     dense2D<unsigned> faces, solids;
@@ -20,7 +21,8 @@ struct mixed_mesh {
     mixed_mesh()
     {
         std::vector<double> xyz;
-        for (auto const& e : quality_elements::ideal()) {
+        for (auto e : quality_elements::ideal()) {
+            for (std::size_t k = 0; k < e.xyz.size(); ++k) e.xyz[k] += 0.1 * std::sin(double(k));
             bool face = e.type == ET_FACE_T3 || e.type == ET_FACE_Q4;
             dense2D<unsigned>& mixed = face ? faces : solids;
             unsigned first = static_cast<unsigned>(xyz.size() / 3), n = static_cast<unsigned>(e.xyz.size() / 3);
@@ -60,9 +62,11 @@ TEST(QualityReports, MinQualityFindsTheFirstWorst)
     mixed_mesh mesh;
     double q_min;
     unsigned e_min;
-    // The cube alone is exactly 1: nothing strictly below the start.
-    dense2D<unsigned> cube = mesh.solids.submatrix(3, 1, 8);
-    ASSERT_EQ(tessarium::min_quality(mesh.pos, cube, ET_SOLID_MIX, q_min, e_min), 0);
+    // The unit cube is exactly 1: nothing strictly below the start.
+    dense2D<double> cube_pos;
+    dense2D<unsigned> cube;
+    quality_elements::arrays(quality_elements::ideal()[5], 3, cube_pos, cube);
+    ASSERT_EQ(tessarium::min_quality(cube_pos, cube, ET_HEXA8, q_min, e_min), 0);
     EXPECT_EQ(q_min, 1.0);
     EXPECT_EQ(e_min, NONE_ID);
     // Turn the wedge over (swap its triangles): it becomes the worst, and stays so when repeated.
