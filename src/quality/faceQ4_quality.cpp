@@ -19,14 +19,16 @@ double corners_and_scale(dense2D<double> const& coords, unsigned const* nodes, p
     double side[4];
     for (unsigned i = 0; i < 4; ++i) side[i] = __norm(__minus(P[(i + 1) % 4], P[i]));
     double L = side[0] + side[1] + side[2] + side[3];
-    double H = std::max({side[0], side[1], side[2], side[3], __norm(__minus(P[2], P[0])), __norm(__minus(P[3], P[1]))});
+    double diagonal[2] = {__norm(__minus(P[2], P[0])), __norm(__minus(P[3], P[1]))};
+    double H = std::max({side[0], side[1], side[2], side[3], diagonal[0], diagonal[1]});
     return H * L;
 }
 
 }  // namespace
 
 // Signed in the plane: the smallest corner cross product, negative at a re-entrant corner.
-double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes, fixed_size_tag<2u>) noexcept
+double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes,
+                                   fixed_size_tag<2u>) noexcept
 {
     point3 N[4];
     double HL = corners_and_scale(coords, nodes, N);
@@ -36,7 +38,8 @@ double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const
 }
 
 // Unsigned in space: the smallest corner normal's length, times the warp factor.
-double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes, fixed_size_tag<3u>) noexcept
+double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes,
+                                   fixed_size_tag<3u>) noexcept
 {
     point3 N[4];
     double HL = corners_and_scale(coords, nodes, N);

@@ -26,7 +26,8 @@ double __sum_sqr_edges(dense2D<double> const& coords, unsigned const* nodes,
 {
     double sum = 0.0;
     for (auto const& edge : edges) {
-        elfes::point3 side = elfes::__minus(elfes::__point(coords, nodes[edge[1]]), elfes::__point(coords, nodes[edge[0]]));
+        elfes::point3 side =
+            elfes::__minus(elfes::__point(coords, nodes[edge[1]]), elfes::__point(coords, nodes[edge[0]]));
         sum += elfes::__dot(side, side);
     }
     return sum;

@@ -72,8 +72,8 @@ double tetra4::geometric_quality(Coords const& coords, unsigned const* nodes,
                                  vector_fixed<double, 3> const& apex) noexcept
 {
     bool unsure = false;
-    double q = __edge_vectors_quality(__minus(__point(coords, nodes[0]), apex), __minus(__point(coords, nodes[1]), apex),
-                                      __minus(__point(coords, nodes[2]), apex), unsure);
+    point3 a = __minus(__point(coords, nodes[0]), apex), b = __minus(__point(coords, nodes[1]), apex);
+    double q = __edge_vectors_quality(a, b, __minus(__point(coords, nodes[2]), apex), unsure);
     if (!unsure && !(std::fabs(q) < 1e-10)) return q;
     if (!(std::fabs(q) > 1e-12)) return q;
     double best = std::fabs(q);

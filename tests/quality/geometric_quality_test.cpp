@@ -28,7 +28,8 @@ element moved(element e, double const (&R)[9], double s, double const (&t)[3])
 {
     for (std::size_t n = 0; n < e.xyz.size(); n += 3) {
         double x[3] = {e.xyz[n], e.xyz[n + 1], e.xyz[n + 2]};
-        for (unsigned i = 0; i < 3; ++i) e.xyz[n + i] = s * (R[i] * x[0] + R[3 + i] * x[1] + R[6 + i] * x[2]) + t[i];
+        for (unsigned i = 0; i < 3; ++i)
+            e.xyz[n + i] = s * (R[i] * x[0] + R[3 + i] * x[1] + R[6 + i] * x[2]) + t[i];
     }
     return e;
 }
