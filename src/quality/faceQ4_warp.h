@@ -27,15 +27,24 @@ inline double __warp_factor(double c) noexcept
     return w < 0.0 ? 0.0 : w;
 }
 
+// The smaller cosine between the normals of opposite corners; false when a normal has no length.
 // Opposite corners are compared, not neighbours: a folded quadrangle shows up between them.
 template <class Coords>
-double faceQ4::__warp_quality(Coords const& coords, unsigned const* nodes, fixed_size_tag<3u>) noexcept
+bool __warp_cosine(Coords const& coords, unsigned const* nodes, double& c) noexcept
 {
     point3 N[4];
     __corner_normals(coords, nodes, N);
     double n13 = __dot(N[1], N[1]) * __dot(N[3], N[3]), n02 = __dot(N[0], N[0]) * __dot(N[2], N[2]);
-    if (!(n13 > 0.0) || !(n02 > 0.0)) return 0.0;
-    return __warp_factor(std::min(__dot(N[1], N[3]) / std::sqrt(n13), __dot(N[0], N[2]) / std::sqrt(n02)));
+    if (!(n13 > 0.0) || !(n02 > 0.0)) return false;
+    c = std::min(__dot(N[1], N[3]) / std::sqrt(n13), __dot(N[0], N[2]) / std::sqrt(n02));
+    return true;
+}
+
+template <class Coords>
+double faceQ4::__warp_quality(Coords const& coords, unsigned const* nodes, fixed_size_tag<3u>) noexcept
+{
+    double c;
+    return __warp_cosine(coords, nodes, c) ? __warp_factor(c) : 0.0;
 }
 
 }  // namespace elfes

@@ -26,16 +26,8 @@ double hexa8::__min_tet_extent(dense2D<double> const& coords, unsigned const* no
 
 double hexa8::min_split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp) noexcept
 {
-    warp = 1.0;
     point3 C = elfe_algo::centroid<8>(coords, nodes, 0.125);
-    double m = 1.0;
-    for (unsigned b = 0; b < 6 && m > 1e-12; ++b) {
-        unsigned face[4] = {FACES[0][b], FACES[1][b], FACES[2][b], FACES[3][b]};
-        double w;
-        m = std::min(m, elfe_algo::__face_pyramid_quality(coords, nodes, face, C, w));
-        warp = std::min(warp, w);
-    }
-    return m;
+    return elfe_algo::__face_pyramids_quality<hexa8>(coords, nodes, 0, C, 1.0, warp);
 }
 
 double hexa8::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept

@@ -35,14 +35,15 @@ double pyramid5::__geometric_quality1(Coords const& coords, unsigned const* node
     return __clamp_quality(PYRAMID_SCALE * __min_tet_extent(coords, nodes) / D);
 }
 
-// A barely positive pyramid is checked through its four base tetrahedra, whose sign is settled
-// with care; a planar base gives `warp` 1.
+// The quality before the warp of the base; `final` when it is the pyramid's value as it stands:
+// flat or inverted, or barely positive with a base tetrahedron below flat, whose sign is settled
+// with care.
 template <class Coords>
-double pyramid5::geometric_quality(Coords const& coords, unsigned const* nodes, double& warp) noexcept
+double __pyramid_corner_quality(Coords const& coords, unsigned const* nodes, bool& final) noexcept
 {
     constexpr double BARELY_POSITIVE = 4.1569219381653057e-11;
-    double q = __geometric_quality1(coords, nodes);
-    warp = 0.0;
+    double q = pyramid5::__geometric_quality1(coords, nodes);
+    final = true;
     if (!(q > 1e-12)) return q;
     if (q < BARELY_POSITIVE) {
         double m = 1.0;
@@ -52,6 +53,18 @@ double pyramid5::geometric_quality(Coords const& coords, unsigned const* nodes, 
         }
         if (m < 1e-12) return m;
     }
+    final = false;
+    return q;
+}
+
+// A planar base gives `warp` 1, and so does a pos of other than three rows.
+template <class Coords>
+double pyramid5::geometric_quality(Coords const& coords, unsigned const* nodes, double& warp) noexcept
+{
+    bool final;
+    double q = __pyramid_corner_quality(coords, nodes, final);
+    warp = 0.0;
+    if (final) return q;
     warp = coords.rows() == 3 ? faceQ4::__warp_quality(coords, nodes, fixed_size_tag<3u>{}) : 1.0;
     return q * warp;
 }

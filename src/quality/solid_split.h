@@ -33,17 +33,39 @@ double __sum_sqr_edges(dense2D<double> const& coords, unsigned const* nodes,
     return sum;
 }
 
-// The pyramid on a quadrangular face (local nodes f0..f3) with its apex at C.
-inline double __face_pyramid_quality(dense2D<double> const& coords, unsigned const* nodes, unsigned const* face,
-                                     elfes::point3 const& C, double& warp) noexcept
+// The pyramids on the quadrangular faces from boundary `first` on, with their apex at C, in order:
+// m becomes the smallest pyramid quality, `warp` the smallest warp factor, and the walk stops once
+// m is not above 1e-12; as pyramid5::geometric_quality face by face, with fewer acos. The factor
+// grows with the cosine, so the smallest factor is the factor of the smallest cosine, and a face's
+// own factor is needed only where its product with the quality could reach 1e-12: from a cosine of
+// 0 up the factor is above 0.49.
+template <class Solid>
+double __face_pyramids_quality(dense2D<double> const& coords, unsigned const* nodes, unsigned first,
+                               elfes::point3 const& C, double m, double& warp) noexcept
 {
-    matrix_fixed<double, 3, 5> local;
-    for (unsigned j = 0; j < 5; ++j) {
-        elfes::point3 P = j < 4 ? elfes::__point(coords, nodes[face[j]]) : C;
-        for (unsigned i = 0; i < 3; ++i) local(i, j) = P[i];
-    }
     static constexpr unsigned LOCAL[5] = {0, 1, 2, 3, 4};
-    return elfes::pyramid5::geometric_quality(local, LOCAL, warp);
+    double c_min = HUGE_VAL;
+    bool unwarped = false;
+    for (unsigned b = first; b < Solid::stride; ++b) {
+        matrix_fixed<double, 3, 5> local;
+        for (unsigned j = 0; j < 5; ++j) {
+            elfes::point3 P = j < 4 ? elfes::__point(coords, nodes[Solid::FACES[j][b]]) : C;
+            for (unsigned i = 0; i < 3; ++i) local(i, j) = P[i];
+        }
+        bool final;
+        double q = elfes::__pyramid_corner_quality(local, LOCAL, final), c;
+        if (final || !elfes::__warp_cosine(local, LOCAL, c)) {
+            unwarped = true;  // a factor of 0
+            if (!final) q *= 0.0;
+        } else {
+            if (c < c_min) c_min = c;
+            if (!(c >= 0.0 && q > 4e-12)) q *= elfes::__warp_factor(c);
+        }
+        m = std::min(m, q);
+        if (!(m > 1e-12)) break;
+    }
+    warp = unwarped ? 0.0 : c_min == HUGE_VAL ? 1.0 : elfes::__warp_factor(c_min);
+    return m;
 }
 
 // The tetrahedron on a triangular face, turned so that C lies on its positive side.

@@ -29,14 +29,7 @@ double wedge6::min_split_quality(dense2D<double> const& coords, unsigned const* 
         m = std::min(m, elfe_algo::__face_tetra_quality(coords, nodes, face, C));
         if (!(m > 1e-12)) return m;
     }
-    for (unsigned b = 2; b < 5; ++b) {
-        unsigned face[4] = {FACES[0][b], FACES[1][b], FACES[2][b], FACES[3][b]};
-        double w;
-        m = std::min(m, elfe_algo::__face_pyramid_quality(coords, nodes, face, C, w));
-        warp = std::min(warp, w);
-        if (!(m > 1e-12)) break;
-    }
-    return m;
+    return elfe_algo::__face_pyramids_quality<wedge6>(coords, nodes, 2, C, m, warp);
 }
 
 double wedge6::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept
