@@ -26,8 +26,7 @@ double hexa8::__min_tet_extent(dense2D<double> const& coords, unsigned const* no
 
 double hexa8::min_split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp) noexcept
 {
-    point3 C = elfe_algo::centroid<8>(coords, nodes, 0.125);
-    return elfe_algo::__face_pyramids_quality<hexa8>(coords, nodes, 0, C, 1.0, warp);
+    return elfe_algo::__split_quality<hexa8>(coords, nodes, warp, true);
 }
 
 double hexa8::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept

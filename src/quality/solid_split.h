@@ -36,12 +36,12 @@ double __sum_sqr_edges(dense2D<double> const& coords, unsigned const* nodes,
 // The pyramids on the quadrangular faces from boundary `first` on, with their apex at C, in order:
 // m becomes the smallest pyramid quality, `warp` the smallest warp factor, and the walk stops once
 // m is not above 1e-12; as pyramid5::geometric_quality face by face, with fewer acos. The factor
-// grows with the cosine, so the smallest factor is the factor of the smallest cosine, and a face's
-// own factor is needed only where its product with the quality could reach 1e-12: from a cosine of
-// 0 up the factor is above 0.49.
+// grows with the cosine, so the smallest factor is the factor of the smallest cosine. Unless
+// `all_values`, a face's own factor is taken only where its product with the quality could reach
+// 1e-12 (from a cosine of 0 up the factor is above 0.49); m is then exact only below 1e-12.
 template <class Solid>
 double __face_pyramids_quality(dense2D<double> const& coords, unsigned const* nodes, unsigned first,
-                               elfes::point3 const& C, double m, double& warp) noexcept
+                               elfes::point3 const& C, double m, double& warp, bool all_values) noexcept
 {
     static constexpr unsigned LOCAL[5] = {0, 1, 2, 3, 4};
     double c_min = HUGE_VAL;
@@ -59,7 +59,7 @@ double __face_pyramids_quality(dense2D<double> const& coords, unsigned const* no
             if (!final) q *= 0.0;
         } else {
             if (c < c_min) c_min = c;
-            if (!(c >= 0.0 && q > 4e-12)) q *= elfes::__warp_factor(c);
+            if (all_values || !(c >= 0.0 && q > 4e-12)) q *= elfes::__warp_factor(c);
         }
         m = std::min(m, q);
         if (!(m > 1e-12)) break;
@@ -68,12 +68,23 @@ double __face_pyramids_quality(dense2D<double> const& coords, unsigned const* no
     return m;
 }
 
-// The tetrahedron on a triangular face, turned so that C lies on its positive side.
-inline double __face_tetra_quality(dense2D<double> const& coords, unsigned const* nodes, unsigned const* face,
-                                   elfes::point3 const& C) noexcept
+// The split of a solid around its centroid: tetrahedra on its triangles, turned towards the
+// centroid, then pyramids on its quadrangles; the smallest quality, stopping at flat, and the
+// smallest warp factor of the pyramids.
+template <class Solid>
+double __split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp, bool all_values) noexcept
 {
-    unsigned reversed[3] = {nodes[face[2]], nodes[face[1]], nodes[face[0]]};
-    return elfes::tetra4::geometric_quality(coords, reversed, C);
+    constexpr unsigned N = Solid::nbr_rows;
+    warp = 1.0;
+    elfes::point3 C = centroid<N>(coords, nodes, N == 6 ? 0.16666666666666666 : 0.125);
+    double m = 1.0;
+    unsigned b = 0;
+    for (; Solid::FACES[3][b] == NONE_ID; ++b) {
+        unsigned reversed[3] = {nodes[Solid::FACES[2][b]], nodes[Solid::FACES[1][b]], nodes[Solid::FACES[0][b]]};
+        m = std::min(m, elfes::tetra4::geometric_quality(coords, reversed, C));
+        if (!(m > 1e-12)) return m;
+    }
+    return __face_pyramids_quality<Solid>(coords, nodes, b, C, m, warp, all_values);
 }
 
 // The corner quality, scale * extent over the squared sides to the power 3/2; past it the split:
@@ -86,7 +97,7 @@ double __corner_and_split_quality(dense2D<double> const& coords, unsigned const*
     double q = D > 0.0 ? elfes::__clamp_quality(scale * extent / D) : 0.0;
     if (!(q > 1e-12)) return q;
     double warp;
-    double m = Solid::min_split_quality(coords, nodes, warp);
+    double m = __split_quality<Solid>(coords, nodes, warp, false);
     return m < 1e-12 ? m : q * warp;
 }
 

@@ -21,15 +21,7 @@ double wedge6::sum_sqr_sides(dense2D<double> const& coords, unsigned const* node
 
 double wedge6::min_split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp) noexcept
 {
-    warp = 1.0;
-    point3 C = elfe_algo::centroid<6>(coords, nodes, 0.16666666666666666);
-    double m = 1.0;
-    for (unsigned b = 0; b < 2; ++b) {
-        unsigned face[3] = {FACES[0][b], FACES[1][b], FACES[2][b]};
-        m = std::min(m, elfe_algo::__face_tetra_quality(coords, nodes, face, C));
-        if (!(m > 1e-12)) return m;
-    }
-    return elfe_algo::__face_pyramids_quality<wedge6>(coords, nodes, 2, C, m, warp);
+    return elfe_algo::__split_quality<wedge6>(coords, nodes, warp, true);
 }
 
 double wedge6::geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept

@@ -1,5 +1,5 @@
 #include "quality/quality_elements.h"
-#include "quality/tetra4_quality.h"
+#include "quality/pyramid5_quality.h"
 #include "tessarium/quality.h"
 
 #include <gtest/gtest.h>
@@ -165,5 +165,54 @@ TEST(GeometricQuality, InvariantUnderSimilarities)
             EXPECT_NEAR(quality(moved(e, plane, s, shift), 2), q2, 1e-9) << e.type;
             expect_reflected(quality(moved(e, MIRROR, 1.0, ORIGIN), 2), q2, e.type);
         }
+    }
+}
+
+// The split of a hexahedron, written plainly: one pyramid5::geometric_quality per face, with the
+// smallest value and the smallest warp factor, stopping at flat.
+double plain_split(dense2D<double> const& pos, unsigned const* nodes, double& warp)
+{
+    double C[3] = {0, 0, 0};
+    for (unsigned n = 0; n < 8; ++n)
+        for (unsigned i = 0; i < 3; ++i) C[i] += pos(i, nodes[n]);
+    unsigned const local_nodes[5] = {0, 1, 2, 3, 4};
+    double m = 1.0;
+    warp = 1.0;
+    for (unsigned b = 0; b < 6 && m > 1e-12; ++b) {
+        matrix_fixed<double, 3, 5> local;
+        for (unsigned i = 0; i < 3; ++i) {
+            for (unsigned k = 0; k < 4; ++k) local(i, k) = pos(i, nodes[elfes::hexa8::FACES[k][b]]);
+            local(i, 4) = C[i] * 0.125;
+        }
+        double w;
+        m = std::min(m, elfes::pyramid5::geometric_quality(local, local_nodes, w));
+        warp = std::min(warp, w);
+    }
+    return m;
+}
+
+TEST(GeometricQuality, HexahedronSplitIsThatOfItsFacePyramids)
+{
+    std::mt19937 gen(3);
+    std::uniform_real_distribution<double> unit(-1.0, 1.0);
+    element cube = quality_elements::ideal()[5];
+    unsigned nodes[8] = {0, 1, 2, 3, 4, 5, 6, 7};
+    for (int trial = 0; trial < 3000; ++trial) {
+        element e = cube;
+        double amplitude = std::pow(10.0, -12 * (unit(gen) + 1) / 2);  // 1 down to 1e-12
+        for (double& x : e.xyz) x += amplitude * unit(gen);
+        dense2D<double> pos;
+        dense2D<unsigned> connectM;
+        quality_elements::arrays(e, 3, pos, connectM);
+        double warp, plain_warp;
+        double m = elfes::hexa8::min_split_quality(pos, nodes, warp), plain_m = plain_split(pos, nodes, plain_warp);
+        EXPECT_EQ(m, plain_m);
+        EXPECT_EQ(warp, plain_warp);
+        // The element's value takes the split's shortcut: the same as from the plain split.
+        double S = elfes::hexa8::sum_sqr_sides(pos, nodes);
+        double corner = 41.569219381653056 * elfes::hexa8::__min_tet_extent(pos, nodes) / (S * std::sqrt(S));
+        corner = std::max(-1.0, std::min(1.0, corner));
+        double expected = !(corner > 1e-12) ? corner : plain_m < 1e-12 ? plain_m : corner * plain_warp;
+        EXPECT_EQ(elfes::hexa8::geometric_quality(pos, nodes), expected);
     }
 }
