@@ -29,3 +29,4 @@
 #include "wavefront_obj.h"
 #include "stl.h"
 #include "quality.h"
+#include "metrics.h"
