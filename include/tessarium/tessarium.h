@@ -28,4 +28,5 @@
 #include "repair.h"
 #include "wavefront_obj.h"
 #include "stl.h"
+#include "quality.h"
 #include "metrics.h"
