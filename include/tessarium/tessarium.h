@@ -29,3 +29,4 @@
 #include "repair.h"
 #include "wavefront_obj.h"
 #include "stl.h"
+#include "metrics.h"
