@@ -23,6 +23,7 @@
 #include "transforms.h"
 #include "connectivity.h"
 #include "edges.h"
+#include "metric_measures.h"
 #include "nastran.h"
 #include "femap.h"
 #include "node_detector.h"
