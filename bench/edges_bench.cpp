@@ -1,11 +1,14 @@
-// Edges of about a million tetrahedra: copy_edges beside the plain sort of the same normalised
-// 64-bit pairs (std::sort + std::unique, the pairs built beforehand), on lexicographic and on
-// shuffled node numbers. Rates are edges extracted per second.
+// Edges of about a million tetrahedra: copy_edges, edge_qualities and H_shock beside the plain sort
+// of the same normalised 64-bit pairs (std::sort + std::unique, the pairs built beforehand), on
+// lexicographic and on shuffled node numbers. Sizes grow along the box; the tensors have three
+// different sizes along axes that turn over the box. Rates are edges per second.
 #include "tessarium/edges.h"
+#include "tessarium/metric_measures.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <numeric>
 #include <random>
@@ -22,6 +25,9 @@ constexpr unsigned cubes = 55;  // 6 tetrahedra per cube: 998,250 elements
 struct tet_box {
     dense2D<double> pos;
     dense2D<unsigned> connect;
+    dense1D<double, 8> sizes;
+    dense2D<double> tensors;
+    dense2D<unsigned> edges;
 
     tet_box(unsigned n, bool shuffled)
     {
@@ -52,6 +58,24 @@ struct tet_box {
                         }
                         ++e;
                     }
+        sizes.resize(pos.cols());
+        tensors.resize(6, pos.cols());
+        for (std::size_t i = 0; i < pos.cols(); ++i) {
+            double const* x = pos.col(i);
+            sizes[i] = 0.5 + 0.02 * x[0] + 0.01 * x[1] + 0.03 * x[2];
+            double t = 0.05 * x[2], u = 0.03 * x[0], eig[3] = {1, 4, 2};
+            // R^t diag(eig / h^2) R, R a turn by t about z after a turn by u about x.
+            double R[3][3] = {{std::cos(t), -std::sin(t) * std::cos(u), std::sin(t) * std::sin(u)},
+                              {std::sin(t), std::cos(t) * std::cos(u), -std::cos(t) * std::sin(u)},
+                              {0, std::sin(u), std::cos(u)}};
+            double* M = tensors.col(i);
+            for (unsigned c = 0, k = 0; c < 3; ++c)
+                for (unsigned r = 0; r <= c; ++r, ++k) {
+                    M[k] = 0;
+                    for (unsigned q = 0; q < 3; ++q) M[k] += R[q][r] * eig[q] * R[q][c] / (sizes[i] * sizes[i]);
+                }
+        }
+        qv7::tessarium::copy_edges(connect, qv7::ET_TETRA4, edges);
     }
 };
 
@@ -74,6 +98,12 @@ std::vector<std::uint64_t> normalised_pairs(dense2D<unsigned> const& C)
     return pairs;
 }
 
+void set_edge_rate(benchmark::State& state, std::size_t edges)
+{
+    state.counters["edges"] = edges;
+    state.counters["edges/s"] = benchmark::Counter(double(edges), benchmark::Counter::kIsIterationInvariantRate);
+}
+
 void BM_sort_unique_baseline(benchmark::State& state)
 {
     std::vector<std::uint64_t> const pairs = normalised_pairs(mesh(state.range(0)).connect);
@@ -87,8 +117,7 @@ void BM_sort_unique_baseline(benchmark::State& state)
         n = std::unique(work.begin(), work.end()) - work.begin();
         benchmark::DoNotOptimize(work.data());
     }
-    state.counters["edges"] = n;
-    state.counters["edges/s"] = benchmark::Counter(double(n), benchmark::Counter::kIsIterationInvariantRate);
+    set_edge_rate(state, n);
 }
 
 void BM_copy_edges(benchmark::State& state)
@@ -100,14 +129,45 @@ void BM_copy_edges(benchmark::State& state)
         qv7::tessarium::copy_edges(C, qv7::ET_TETRA4, edges);
         benchmark::DoNotOptimize(edges.data());
     }
-    state.counters["edges"] = edges.cols();
-    state.counters["edges/s"] =
-        benchmark::Counter(double(edges.cols()), benchmark::Counter::kIsIterationInvariantRate);
+    set_edge_rate(state, edges.cols());
+}
+
+void BM_edge_qualities(benchmark::State& state)
+{
+    tet_box const& box = mesh(state.range(0));
+    dense2D<unsigned> none;
+    int edges = 0;
+    for (auto _ : state) {
+        qv7::misc::histogram hist;
+        edges = state.range(1) ? qv7::tessarium::edge_qualities(box.pos, box.connect, qv7::ET_TETRA4, box.tensors,
+                                                                 hist, none)
+                               : qv7::tessarium::edge_qualities(box.pos, box.connect, qv7::ET_TETRA4, box.sizes,
+                                                                 hist, none);
+        benchmark::DoNotOptimize(hist.sum());
+    }
+    set_edge_rate(state, edges);
+}
+
+void BM_H_shock(benchmark::State& state)
+{
+    tet_box const& box = mesh(state.range(0));
+    dense1D<double, 8> vals;
+    for (auto _ : state) {
+        vals.clear();
+        if (state.range(1))
+            qv7::tessarium::H_shock(box.pos, box.edges, box.tensors, vals);
+        else
+            qv7::tessarium::H_shock(box.pos, box.edges, box.sizes, vals);
+        benchmark::DoNotOptimize(vals.data());
+    }
+    set_edge_rate(state, box.edges.cols());
 }
 
 }  // namespace
 
 BENCHMARK(BM_sort_unique_baseline)->ArgName("shuffled")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_copy_edges)->ArgName("shuffled")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_edge_qualities)->ArgNames({"shuffled", "tensors"})->ArgsProduct({{0, 1}, {0, 1}})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_H_shock)->ArgNames({"shuffled", "tensors"})->ArgsProduct({{0, 1}, {0, 1}})->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

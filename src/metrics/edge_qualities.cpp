@@ -19,14 +19,18 @@ bool is_valid(metric_anisotropic<D> const& M) noexcept
 }
 
 // The validity of each node's metric, tested once: for a tensor the test is an eigenvalue solve,
-// and a node is the end of many edges. Without memory for the marks, every call tests.
+// and a node is the end of many edges. Sizes, and tensors without memory for the marks, are
+// tested at every call.
 template <class Manager>
 class validity_memo {
 public:
     explicit validity_memo(Manager const& mgr) : mgr_(mgr)
     {
-        if (marks_.resize(mgr.size())) std::fill(marks_.begin(), marks_.end(), untested);
-        else marks_.clear();
+        if (std::is_same<typename Manager::metric_type, metric_isotropic>::value) return;
+        if (marks_.resize(mgr.size()))
+            std::fill(marks_.begin(), marks_.end(), untested);
+        else
+            marks_.clear();
     }
     bool operator()(std::size_t node)
     {
