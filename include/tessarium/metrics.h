@@ -68,5 +68,63 @@ TESSARIUM_API void metric_iso_to_aniso2d(double h, matrix_fixed<double, 3, 2> co
 TESSARIUM_API void metric_aniso3d_to_aniso2d(symmetric_fixed<double, 3> const& M3, matrix_fixed<double, 3, 2> const& B,
                                              symmetric_fixed<double, 2>& M);
 
+// ---- Size maps: a dense1D of sizes, or a dense2D of tensors with 3 or 6 rows ----
+
+// Position of the first invalid entry, the number of entries when all are valid. With `indices`,
+// a position in `indices`; an index past the map is invalid. A tensor map of neither 3 nor 6 rows
+// gives 0 at once, with or without `indices`.
+TESSARIUM_API unsigned first_invalid_metric(dense1D<double, 8> const& metrics);
+TESSARIUM_API unsigned first_invalid_metric(dense1D<unsigned, 8> const& indices, dense1D<double, 8> const& metrics);
+TESSARIUM_API unsigned first_invalid_metric(dense2D<double> const& metrics);
+TESSARIUM_API unsigned first_invalid_metric(dense1D<unsigned, 8> const& indices, dense2D<double> const& metrics);
+// first_invalid_metric equals the number of entries (of `indices` when given).
+TESSARIUM_API bool are_valid_metrics(dense1D<double, 8> const& metrics);
+TESSARIUM_API bool are_valid_metrics(dense1D<unsigned, 8> const& indices, dense1D<double, 8> const& metrics);
+TESSARIUM_API bool are_valid_metrics(dense2D<double> const& metrics);
+TESSARIUM_API bool are_valid_metrics(dense1D<unsigned, 8> const& indices, dense2D<double> const& metrics);
+// Appends the numbers of the valid columns to `indices`; a column that cannot be appended is skipped.
+TESSARIUM_API void valid_metrics(dense2D<double> const& metrics, dense1D<unsigned, 8>& indices);
+
+// Clamps every size into [hmin, hmax] (hmin wins when they cross; NaN sizes stay) and returns the
+// number of changed entries, whose positions `changed` receives (emptied first). 0 at once for
+// hmin <= 0 and hmax = DBL_LIMIT; -1 tensor rows neither 3 nor 6; -2 hmin, -3 hmax not finite;
+// -199 when `changed` cannot grow (every entry is still bounded).
+TESSARIUM_API int bound_metrics(dense1D<double, 8>& metrics, double hmin, double hmax);
+TESSARIUM_API int bound_metrics(dense1D<double, 8>& metrics, double hmin, double hmax, dense1D<unsigned, 8>& changed);
+TESSARIUM_API int bound_metrics(dense2D<double>& metrics, double hmin, double hmax);
+TESSARIUM_API int bound_metrics(dense2D<double>& metrics, double hmin, double hmax, dense1D<unsigned, 8>& changed);
+
+// Column i = I / h_i^2 for each h_i > 0; other columns stay. `tensors` (3 or 6 rows) is not sized
+// here and needs a column per size. 0; -2 `tensors` of the wrong shape.
+TESSARIUM_API int metrics_iso_to_aniso2d(dense1D<double, 8> const& sizes, dense2D<double>& tensors);
+TESSARIUM_API int metrics_iso_to_aniso3d(dense1D<double, 8> const& sizes, dense2D<double>& tensors);
+// Column i = metric_iso_to_aniso2d(h_i, basis i), `bases` holding b1 in rows 0-2 and b2 in rows
+// 3-5. 0; -2 `bases` not 6 rows by one column per size; -3 `tensors` not 3 rows and enough columns.
+TESSARIUM_API int metrics_iso_to_aniso2d(dense1D<double, 8> const& sizes, dense2D<double> const& bases,
+                                         dense2D<double>& tensors);
+// Column i = B_i^t M_i B_i. 0; -1 `tensors3d` not 6 rows; -2 `bases` not 6 rows by as many
+// columns; -3 `tensors` not 3 rows and enough columns.
+TESSARIUM_API int metrics_aniso3d_to_aniso2d(dense2D<double> const& tensors3d, dense2D<double> const& bases,
+                                             dense2D<double>& tensors);
+
+// Replaces a bad metric by its fallback when the fallback is good, over the shorter of the two;
+// returns the number replaced. Sizes: a metric <= 0 by a fallback > 0 (NaN and DBL_LIMIT stay).
+// Tensors: an invalid column by I / h^2 or by a valid fallback column. -1 tensor rows neither 3
+// nor 6; -2 fallback tensor rows not those of `metrics`.
+TESSARIUM_API int overwrite_invalid_metrics(dense1D<double, 8>& metrics, dense1D<double, 8> const& fallback);
+TESSARIUM_API int overwrite_invalid_metrics(dense2D<double>& metrics, dense1D<double, 8> const& fallback);
+TESSARIUM_API int overwrite_invalid_metrics(dense2D<double>& metrics, dense2D<double> const& fallback);
+
+// ---- Size map measured on a mesh ----
+
+// The size at each node is a mean of the lengths of the element edges at it, an edge counted once
+// per element that has it: the shortest for power 0, the longest for power DBL_LIMIT, else
+// (sum l^p / n)^(1/p). Edges of length 0, NaN or infinity count nowhere. `metrics` grows to the
+// node count (new entries 0); nodes no edge reaches keep their value. Linear elements only.
+// 0; -1 element dimension above the rows of `pos`; -2 bad node index; -3 unsupported type (also
+// a value outside the 23 element types, at once); -5 negative power; -199 memory.
+TESSARIUM_API int metrics_gen_iso(dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE_type,
+                                  dense1D<double, 8>& metrics, double power);
+
 }  // namespace tessarium
 }  // namespace qv7

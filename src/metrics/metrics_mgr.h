@@ -5,6 +5,7 @@
 #pragma once
 
 #include "metrics/length_measures.h"
+#include "metrics/metric_columns.h"
 #include "tessarium/dense1D.h"
 #include "tessarium/dense2D.h"
 
@@ -38,16 +39,8 @@ public:
     explicit metrics_mgr_anisotropic(dense2D<double> const& tensors) : tensors_(tensors) {}
 
     std::size_t size() const noexcept { return tensors_.rows() >= entries ? tensors_.cols() : 0; }
-    metric_type get_metric(std::size_t node) const noexcept
-    {
-        metric_type M;
-        std::copy(tensors_.col(node), tensors_.col(node) + entries, M.v);
-        return M;
-    }
-    void set_metric(std::size_t node, metric_type const& M) noexcept
-    {
-        std::copy(M.v, M.v + entries, tensors_.col(node));
-    }
+    metric_type get_metric(std::size_t node) const noexcept { return {__load_metric<L::dim>(tensors_, node)}; }
+    void set_metric(std::size_t node, metric_type const& M) noexcept { __store_metric<L::dim>(M, tensors_, node); }
 
 private:
     dense2D<double> tensors_;

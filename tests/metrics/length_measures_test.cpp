@@ -1,5 +1,4 @@
 #include "metrics/h_shock_measures.h"
-#include "metrics/metric_samples.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +9,8 @@ using namespace qv7;
 
 namespace {
 
-// Two nodes at random places with sizes in [0.1, 2]; the tensors I / h^2, or random ones.
+// Two nodes at random places with sizes in [0.1, 2]; the tensors I / h^2, or B B^t + I / 10 with
+// the entries of B in [-1, 1].
 template <unsigned D>
 struct random_edge {
     dense2D<double> pos, tensors;
@@ -24,10 +24,15 @@ struct random_edge {
         for (unsigned n = 0; n < 2; ++n) {
             for (unsigned k = 0; k < D; ++k) pos(k, n) = coord(gen);
             sizes[n] = size(gen);
-            auto M = metric_samples::tensor(metric_samples::random_sample<D>(gen, 0.5));
-            for (unsigned k = 0; k < D * (D + 1) / 2; ++k) tensors(k, n) = general_tensors ? M[k] : 0;
-            for (unsigned k = 0; k < D && !general_tensors; ++k)
-                tensors(k * (k + 3) / 2, n) = 1 / (sizes[n] * sizes[n]);
+            double B[D][D];
+            for (auto& row : B)
+                for (double& x : row) x = coord(gen);
+            for (unsigned j = 0; j < D; ++j)
+                for (unsigned i = 0; i <= j; ++i) {
+                    double& m = tensors(j * (j + 1) / 2 + i, n);
+                    for (unsigned k = 0; k < D && general_tensors; ++k) m += B[i][k] * B[j][k];
+                    if (i == j) m += general_tensors ? 0.1 : 1 / (sizes[n] * sizes[n]);
+                }
         }
     }
 };
