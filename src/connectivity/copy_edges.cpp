@@ -29,7 +29,7 @@ int append_columns(dense1D<edge_pair, 8> const& pairs, dense2D<unsigned>& edges)
 int copy_edges(dense2D<unsigned> const& connectM, element_type type, dense2D<unsigned>& edges)
 {
     if (connectM.empty()) return 0;
-    if (!check_IDs(connectM, type, NONE_ID)) return -1;
+    if (!__is_element_type(type) || !check_IDs(connectM, type, NONE_ID)) return -1;
     if (edges.rows() != 2 && !edges.empty()) return -3;
     dense1D<edge_pair, 8> pairs;
     __get_edges(connectM, type, pairs);

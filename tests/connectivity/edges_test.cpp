@@ -116,8 +116,8 @@ TEST(CopyEdges, AppendsAndRefuses)
     int const codes[] = {copy_edges(dense2D<unsigned>(), ET_TETRA4, three_rows), copy_edges(C, ET_TETRA4, E),
                          copy_edges(C, ET_FACE_T3, three_rows), copy_edges(&C + 1, &C, types, E),
                          copy_edges(&C, &C, types, E), copy_edges(&C, &C + 1, types, three_rows),
-                         copy_edges(&C, &C + 1, bad_type, E)};
-    EXPECT_EQ(std::vector<int>(codes, codes + 7), (std::vector<int>{0, -1, -3, -2, -3, -4, -1}));
+                         copy_edges(&C, &C + 1, bad_type, E), copy_edges(C, element_type(99), E)};
+    EXPECT_EQ(std::vector<int>(codes, codes + 8), (std::vector<int>{0, -1, -3, -2, -3, -4, -1, -1}));
     dense2D<unsigned> F;
     test_alloc::failing_scope fail(1);  // the list of pairs, not the matrix
     EXPECT_EQ(copy_edges(C, ET_FACE_T3, F), -199);
