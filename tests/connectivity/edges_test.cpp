@@ -118,7 +118,15 @@ TEST(CopyEdges, AppendsAndRefuses)
                          copy_edges(&C, &C, types, E), copy_edges(&C, &C + 1, types, three_rows),
                          copy_edges(&C, &C + 1, bad_type, E), copy_edges(C, element_type(99), E)};
     EXPECT_EQ(std::vector<int>(codes, codes + 8), (std::vector<int>{0, -1, -3, -2, -3, -4, -1, -1}));
-    dense2D<unsigned> F;
+    // Without memory for the radix sort's copy (the second allocation) the list is sorted all the
+    // same; without memory for the matrix, -199.
+    dense2D<unsigned> big = box(8, 8, 8, TETRAS, 4).connect(), sorted, fallback, F;
+    ASSERT_EQ(copy_edges(big, ET_TETRA4, sorted), 0);
+    test_alloc::fail_at(1);
+    ASSERT_EQ(copy_edges(big, ET_TETRA4, fallback), 0);
+    test_alloc::reset();
+    ASSERT_EQ(fallback.cols(), sorted.cols());
+    EXPECT_TRUE(std::equal(sorted.col(0), sorted.col(0) + 2 * sorted.cols(), fallback.col(0)));
     test_alloc::failing_scope fail(1);  // the list of pairs, not the matrix
     EXPECT_EQ(copy_edges(C, ET_FACE_T3, F), -199);
 }
