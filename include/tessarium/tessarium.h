@@ -22,6 +22,8 @@
 #include "finite_rotation.h"
 #include "transforms.h"
 #include "connectivity.h"
+#include "edges.h"
+#include "metric_measures.h"
 #include "nastran.h"
 #include "femap.h"
 #include "node_detector.h"
