@@ -1,6 +1,4 @@
-#include "tessarium/array_ops.h"
 #include "tessarium/connectivity.h"
-#include "tessarium/index_utilities.h"
 
 #include <algorithm>
 
@@ -8,30 +6,6 @@ namespace qv7 {
 namespace tessarium {
 
 namespace {
-
-// First in, first out, in one array whose consumed front is dropped once it is the larger half.
-class fifo {
-public:
-    bool empty() const noexcept { return front_ == items_.size(); }
-    bool push(unsigned v) { return items_.push_back(v); }
-    unsigned pop() noexcept
-    {
-        unsigned v = items_[front_++];
-        if (front_ == items_.size()) {
-            items_.clear();
-            front_ = 0;
-        } else if (front_ > items_.size() / 2 && front_ > 1024) {
-            std::copy(items_.begin() + front_, items_.end(), items_.begin());
-            items_.resize(items_.size() - front_);
-            front_ = 0;
-        }
-        return v;
-    }
-
-private:
-    dense1D<unsigned, 8> items_;
-    std::size_t front_ = 0;
-};
 
 // One bit per element.
 class bit_marks {
@@ -49,13 +23,35 @@ private:
     dense1D<unsigned, 8> words_;
 };
 
+// Replaces B by the columns of A in the given order, every entry v below the size of `map` turned
+// into map[v] (no map: entries kept). The columns ahead are asked for early, since a breadth-first
+// order reads them far apart. False when B could not be sized.
+bool gather_columns(dense2D<unsigned> const& A, dense1D<unsigned, 8> const& order, dense1D<unsigned, 8> const& map,
+                    dense2D<unsigned>& B)
+{
+    constexpr std::size_t prefetch_distance = 16;
+    std::size_t rows = A.rows(), n = order.size(), mapped = map.size();
+    if (!B.resize(rows, n)) return false;
+    for (std::size_t i = 0; i < n; ++i) {
+        if (i + prefetch_distance < n) __builtin_prefetch(A.col(order[i + prefetch_distance]));
+        unsigned const* column = A.col(order[i]);
+        unsigned* target = B.col(i);
+        for (std::size_t r = 0; r < rows; ++r) target[r] = column[r] < mapped ? map[column[r]] : column[r];
+    }
+    return true;
+}
+
 }  // namespace
 
+// Breadth first, with `indices` as its own queue: an element is marked when it first enters, which
+// lists every element where its first entry would stand in a queue that took repeats, so that the
+// order is the same and the queue needs no room of its own.
 int get_subdomains(dense2D<unsigned> const& neighbors, dense1D<unsigned, 8>& indices, dense1D<unsigned, 8>& offsets)
 {
+    // Columns are read well ahead of their turn: a wide front reads them far apart.
+    constexpr std::size_t prefetch_distance = 32;
     std::size_t elements = neighbors.cols(), rows = neighbors.rows();
     bit_marks visited;
-    fifo queue;
     indices.clear();
     offsets.clear();
     bool reserved = indices.resize(elements);
@@ -63,20 +59,24 @@ int get_subdomains(dense2D<unsigned> const& neighbors, dense1D<unsigned, 8>& ind
     if (!reserved || !visited.resize(elements)) return -199;
     if (!offsets.push_back(0)) return -199;
     if (elements == 0) return 0;
-    for (unsigned seed = 0;; ++seed) {
+    unsigned* queue = indices.data();  // room for every element reserved above
+    std::size_t next = 0, end = 0;
+    for (unsigned seed = 0; end < elements; ++seed) {
         while (visited.test(seed)) ++seed;
-        if (!queue.push(seed)) return -199;
-        while (!queue.empty()) {
-            unsigned e = queue.pop();
-            if (visited.test(e)) continue;
-            visited.set(e);
-            indices.push_back(e);  // room reserved above
-            for (unsigned const *n = neighbors.col(e), *end = n + rows; n != end; ++n)
-                if (*n < elements && !visited.test(*n) && !queue.push(*n)) return -199;
+        visited.set(seed);
+        queue[end++] = seed;
+        for (; next < end; ++next) {
+            if (next + prefetch_distance < end) __builtin_prefetch(neighbors.col(queue[next + prefetch_distance]));
+            for (unsigned const *n = neighbors.col(queue[next]), *last = n + rows; n != last; ++n)
+                if (*n < elements && !visited.test(*n)) {
+                    visited.set(*n);
+                    queue[end++] = *n;
+                }
         }
-        if (!offsets.push_back(static_cast<unsigned>(indices.size()))) return -199;
-        if (indices.size() == elements) return 0;
+        indices.resize(end);
+        if (!offsets.push_back(static_cast<unsigned>(end))) return -199;
     }
+    return 0;
 }
 
 int get_subdomains(dense2D<unsigned>& connectM, dense2D<unsigned>& neighbors, dense1D<unsigned, 8>& offsets)
@@ -84,21 +84,23 @@ int get_subdomains(dense2D<unsigned>& connectM, dense2D<unsigned>& neighbors, de
     if (connectM.cols() != neighbors.cols()) return -2;
     dense1D<unsigned, 8> order;
     if (int code = get_subdomains(neighbors, order, offsets)) return code;
-    // Past this point a failure leaves the arrays half reordered: they are cleared instead.
+    // Past this point a failure leaves the arrays half reordered: they are cleared instead. The
+    // neighbours are renumbered as they are moved.
     dense2D<unsigned> new_connect, new_neighbors;
-    dense1D<unsigned, 8> inverse;
-    bool done = matmat::push_back(connectM, order, new_connect);
+    dense1D<unsigned, 8> inverse, keep;
+    bool done = inverse.resize(order.size()) && gather_columns(connectM, order, keep, new_connect);
     if (done) connectM = new_connect;
-    done = done && matmat::push_back(neighbors, order, new_neighbors);
+    if (done) {
+        for (unsigned i = 0; i < order.size(); ++i) inverse[order[i]] = i;
+        done = gather_columns(neighbors, order, inverse, new_neighbors);
+    }
     if (done) neighbors = new_neighbors;
-    if (!done || !inverse.resize(order.size())) {
+    if (!done) {
         connectM.clear();
         neighbors.clear();
         offsets.clear();
         return -199;
     }
-    for (unsigned i = 0; i < order.size(); ++i) inverse[order[i]] = i;
-    change_indices(neighbors, inverse);
     return 0;
 }
 
