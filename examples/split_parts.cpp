@@ -9,6 +9,7 @@
 // a cube and an octahedron, apart), and writes part0.stl, part1.stl and part2.stl here.
 #include <tessarium/tessarium.h>
 
+#include <cctype>
 #include <cstdio>
 #include <string>
 
