@@ -29,7 +29,7 @@ private:
 bool gather_columns(dense2D<unsigned> const& A, dense1D<unsigned, 8> const& order, dense1D<unsigned, 8> const& map,
                     dense2D<unsigned>& B)
 {
-    constexpr std::size_t prefetch_distance = 16;
+    constexpr std::size_t prefetch_distance = 48;
     std::size_t rows = A.rows(), n = order.size(), mapped = map.size();
     if (!B.resize(rows, n)) return false;
     for (std::size_t i = 0; i < n; ++i) {
