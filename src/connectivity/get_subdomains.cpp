@@ -89,18 +89,18 @@ int get_subdomains(dense2D<unsigned>& connectM, dense2D<unsigned>& neighbors, de
     dense2D<unsigned> new_connect, new_neighbors;
     dense1D<unsigned, 8> inverse, keep;
     bool done = inverse.resize(order.size()) && gather_columns(connectM, order, keep, new_connect);
-    if (done) connectM = new_connect;
     if (done) {
+        connectM = new_connect;
         for (unsigned i = 0; i < order.size(); ++i) inverse[order[i]] = i;
         done = gather_columns(neighbors, order, inverse, new_neighbors);
     }
-    if (done) neighbors = new_neighbors;
     if (!done) {
         connectM.clear();
         neighbors.clear();
         offsets.clear();
         return -199;
     }
+    neighbors = new_neighbors;
     return 0;
 }
 
