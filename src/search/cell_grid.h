@@ -30,25 +30,23 @@ public:
         __set_width(half_width);
         std::size_t n = list.size();
         dense1D<unsigned, 8> cell_of(n);
-        if (cell_of.size() != n || !starts_.resize(0) || !keys_.resize(0) || !__size_tables(n)) return false;
+        if (cell_of.size() != n || !cells_.resize(0) || !__size_tables(n)) return false;
         for (std::size_t j = 0; j < n; ++j) {
             double const* c = pos.col(list[j]);
             cell_of[j] = NONE_ID;
             if (__has_nan(c)) continue;
-            std::int64_t at[D];
-            for (unsigned k = 0; k < D; ++k) at[k] = __cell(c[k]);
-            std::uint64_t h = __hash(at);
-            std::size_t s = __find(at, h);
-            unsigned cell = slots_[s];
-            if (cell == NONE_ID) {
-                cell = slots_[s] = static_cast<unsigned>(starts_.size());
-                if (!starts_.push_back(0)) return false;
-                for (unsigned k = 0; k < D; ++k)
-                    if (!keys_.push_back(at[k])) return false;
+            cell_record cell{};
+            for (unsigned k = 0; k < D; ++k) cell.at[k] = __cell(c[k]);
+            std::uint64_t h = __hash(cell.at);
+            std::size_t s = __find(cell.at, h);
+            if (slots_[s] == empty_slot) {
+                slots_[s] = (h & tag_mask) | cells_.size();
+                if (!cells_.push_back(cell)) return false;
                 filter_[__filter_bit(h) / 64] |= std::uint64_t(1) << (__filter_bit(h) % 64);
             }
-            ++starts_[cell];
-            cell_of[j] = cell;
+            unsigned number = static_cast<unsigned>(slots_[s]);
+            ++cells_[number].start;  // a count until __scatter
+            cell_of[j] = number;
         }
         return __scatter(list, cell_of);
     }
@@ -68,10 +66,12 @@ public:
         for (;;) {
             std::uint64_t h = __hash(at);
             if ((filter_[__filter_bit(h) / 64] >> (__filter_bit(h) % 64)) & 1u) {
-                unsigned cell = slots_[__find(at, h)];
-                if (cell != NONE_ID)
-                    for (unsigned s = starts_[cell], e = starts_[cell + 1]; s < e && f(order_[s]); ++s) {
+                std::uint64_t slot = slots_[__find(at, h)];
+                if (slot != empty_slot) {
+                    cell_record const* cell = &cells_[static_cast<unsigned>(slot)];
+                    for (unsigned s = cell[0].start, e = cell[1].start; s < e && f(order_[s]); ++s) {
                     }
+                }
             }
             unsigned k = 0;
             while (k < D && at[k] == last[k]) {
@@ -85,13 +85,22 @@ public:
 
 private:
     static constexpr double fine_cells = 4503599627370496.0;  // 2^52
+    static constexpr std::uint64_t empty_slot = ~std::uint64_t(0);
+    static constexpr std::uint64_t tag_mask = ~std::uint64_t(0) << 32;
+
+    // A cell's place and the start of its nodes in order_, with the start of the next cell after it.
+    struct cell_record {
+        std::int64_t at[D];
+        unsigned start;
+    };
 
     void __set_width(double half_width)
     {
-        width_ = half_width > 0.0 ? 2.0 * half_width : 1.0;
+        width_ = half_width > 0.0 ? std::max(2.0 * half_width, 0x1p-1000) : 1.0;  // 1 / width stays finite
+        inverse_width_ = 1.0 / width_;
         coarse_ = width_ * fine_cells;
         // With no coarse range the infinities take the cells just beyond the largest finite double.
-        first_coarse_ = std::isinf(coarse_) ? static_cast<std::int64_t>(std::floor(DBL_MAX / width_)) + 1
+        first_coarse_ = std::isinf(coarse_) ? static_cast<std::int64_t>(std::floor(DBL_MAX * inverse_width_)) + 1
                                             : static_cast<std::int64_t>(fine_cells);
     }
 
@@ -107,7 +116,7 @@ private:
     {
         if (x >= coarse_) return first_coarse_ + (__bits(x) - __bits(coarse_));
         if (x <= -coarse_) return -first_coarse_ - (__bits(-x) - __bits(coarse_));
-        return static_cast<std::int64_t>(std::floor(x / width_));
+        return static_cast<std::int64_t>(std::floor(x * inverse_width_));  // at most 2^52
     }
 
     static bool __has_nan(double const* c) noexcept
@@ -127,12 +136,15 @@ private:
         return h * 0xBF58476D1CE4E5B9ull;
     }
 
-    // The slot of the cell at, or the empty slot where it would go.
+    // The slot of the cell at, or the empty slot where it would go. A slot holds the high half of
+    // the cell's hash above its number, so that most other cells are told apart without a look.
     std::size_t __find(std::int64_t const* at, std::uint64_t h) const noexcept
     {
         std::size_t mask = slots_.size() - 1;
         std::size_t s = static_cast<std::size_t>(h >> (64 - slot_bits_));
-        for (unsigned c; (c = slots_[s]) != NONE_ID && !std::equal(at, at + D, &keys_[D * c]);) s = (s + 1) & mask;
+        for (std::uint64_t v; (v = slots_[s]) != empty_slot; s = (s + 1) & mask)
+            if ((v & tag_mask) == (h & tag_mask) && std::equal(at, at + D, cells_[static_cast<unsigned>(v)].at))
+                break;
         return s;
     }
 
@@ -148,35 +160,36 @@ private:
         std::size_t filter_bits = std::size_t(1) << (slot_bits_ + 3);
         filter_mask_ = filter_bits - 1;
         if (!slots_.resize(std::size_t(1) << slot_bits_) || !filter_.resize(filter_bits / 64)) return false;
-        std::fill(slots_.begin(), slots_.end(), NONE_ID);
+        std::fill(slots_.begin(), slots_.end(), empty_slot);
         std::fill(filter_.begin(), filter_.end(), 0);
         return true;
     }
 
-    // Turns the counts into starts and lists the nodes cell by cell, in list order within a cell.
+    // Turns the counts into starts, closed by a last record, and lists the nodes cell by cell, in
+    // list order within a cell.
     bool __scatter(dense1D<unsigned, 8> const& list, dense1D<unsigned, 8> const& cell_of)
     {
-        if (!starts_.push_back(0)) return false;
+        if (!cells_.push_back(cell_record{})) return false;
+        dense1D<unsigned, 8> next(cells_.size());
+        if (next.size() != cells_.size()) return false;
         unsigned sum = 0;
-        for (unsigned& c : starts_) {
-            unsigned here = c;
-            c = sum;
+        for (std::size_t c = 0; c < cells_.size(); ++c) {
+            unsigned here = cells_[c].start;
+            next[c] = cells_[c].start = sum;
             sum += here;
         }
         if (!order_.resize(sum)) return false;
-        dense1D<unsigned, 8> next;
-        if (!next.copy(starts_)) return false;
         for (std::size_t j = 0; j < list.size(); ++j)
             if (cell_of[j] != NONE_ID) order_[next[cell_of[j]]++] = list[j];
         return true;
     }
 
     double width_ = 1.0;
+    double inverse_width_ = 1.0;
     double coarse_ = fine_cells;          // from here on, one cell per double
     std::int64_t first_coarse_ = 0;       // the cell of coarse_
-    dense1D<unsigned, 8> slots_;          // cell numbers, NONE_ID for an empty slot
-    dense1D<std::int64_t, 8> keys_;       // cell c is at keys_[D c .. D c + D)
-    dense1D<unsigned, 8> starts_;         // cell c holds order_[starts_[c] .. starts_[c + 1])
+    dense1D<std::uint64_t, 8> slots_;     // hash tag and cell number, empty_slot for none
+    dense1D<cell_record, 8> cells_;       // cell c holds order_[cells_[c].start .. cells_[c + 1].start)
     dense1D<unsigned, 8> order_;
     dense1D<std::uint64_t, 8> filter_;    // bit __filter_bit(hash) set for every stored cell
     std::size_t filter_mask_ = 0;
