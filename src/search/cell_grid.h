@@ -96,8 +96,8 @@ private:
 
     void __set_width(double half_width)
     {
-        width_ = half_width > 0.0 ? std::max(2.0 * half_width, 0x1p-1000) : 1.0;  // 1 / width stays finite
-        inverse_width_ = 1.0 / width_;
+        width_ = half_width > 0.0 ? 2.0 * half_width : 1.0;
+        inverse_width_ = 1.0 / width_;  // infinite for the smallest widths, which divide instead
         coarse_ = width_ * fine_cells;
         // With no coarse range the infinities take the cells just beyond the largest finite double.
         first_coarse_ = std::isinf(coarse_) ? static_cast<std::int64_t>(std::floor(DBL_MAX * inverse_width_)) + 1
@@ -116,7 +116,8 @@ private:
     {
         if (x >= coarse_) return first_coarse_ + (__bits(x) - __bits(coarse_));
         if (x <= -coarse_) return -first_coarse_ - (__bits(-x) - __bits(coarse_));
-        return static_cast<std::int64_t>(std::floor(x * inverse_width_));  // at most 2^52
+        double t = std::isinf(inverse_width_) ? x / width_ : x * inverse_width_;  // at most 2^52
+        return static_cast<std::int64_t>(std::floor(t));
     }
 
     static bool __has_nan(double const* c) noexcept

@@ -64,6 +64,9 @@ TEST(CellGrid, FarNodesLeaveTheOthersInSmallCells)
             points.push_back({far, far, far});
         EXPECT_LE(candidates_of_all_boxes(columns(points), 0.4), 8 * points.size()) << far;
     }
+    // The same at a subnormal scale.
+    for (auto& p : lattice) p = {p[0] * 1e-310, p[1] * 1e-310, 0.0};
+    EXPECT_LE(candidates_of_all_boxes(columns(lattice), 0.4e-310), 8 * lattice.size());
     // Beyond 2^52 widths, consecutive doubles: each alone in its cell, and a box meets few cells.
     std::vector<std::vector<double>> sparse;
     for (double x = 1e300, k = 0; k < 2000; ++k, x = std::nextafter(x, inf)) sparse.push_back({x, 1e-3 * k, -x});
