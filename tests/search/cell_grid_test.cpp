@@ -25,9 +25,9 @@ dense2D<double> columns(std::vector<std::vector<double>> const& points)
     return pos;
 }
 
-// Every node's box search through the grid: fails unless each node of the box is a candidate, and
-// returns the number of candidates over all searches.
-std::size_t candidates_of_all_boxes(dense2D<double> const& pos, double h)
+// Every node's box search through the grid: the number of candidates over all searches. With
+// check_cover, fails unless each node of the box is a candidate.
+std::size_t candidates_of_all_boxes(dense2D<double> const& pos, double h, bool check_cover = false)
 {
     dense1D<unsigned, 8> list;
     for (unsigned j = 0; j < pos.cols(); ++j) list.push_back(j);
@@ -40,7 +40,7 @@ std::size_t candidates_of_all_boxes(dense2D<double> const& pos, double h)
         qv7::__box_around<3>(pos.col(i), h, box);
         std::fill(seen.begin(), seen.end(), 0);
         grid.for_each_candidate(box, box + 3, [&](unsigned c) { return ++total, seen[c] = 1; });
-        for (unsigned c = 0; c < pos.cols(); ++c)
+        for (unsigned c = 0; check_cover && c < pos.cols(); ++c)
             if (qv7::__in_box<3>(pos.col(c), box, box + 3) && !seen[c]) ADD_FAILURE() << i << " misses " << c;
     }
     return total;
@@ -82,6 +82,6 @@ TEST(CellGrid, CandidatesCoverTheBoxAtAnyScale)
     for (double h : {1e-310, 1e-3, 1.0, 1e292, 1e300, DBL_MAX, inf}) {
         std::vector<std::vector<double>> points(300);
         for (auto& p : points) p = {pool[rng() % 12], pool[rng() % 12], pool[rng() % 12]};
-        candidates_of_all_boxes(columns(points), h);
+        candidates_of_all_boxes(columns(points), h, true);
     }
 }
