@@ -5,6 +5,7 @@
 // NaN). Up to 300 nodes the map is checked against a plain scan of all pairs; any size must stay
 // about n log n, which a 2-second limit per input enforces.
 #include "reader_checks.h"
+#include "support/plain_merge.h"
 #include "tessarium/element_type.h"
 #include "tessarium/repair.h"
 
@@ -13,7 +14,6 @@
 
 namespace {
 
-using qv7::NONE_ID;
 using IDs = qv7::dense1D<unsigned, 8>;
 
 struct input {
@@ -29,42 +29,6 @@ struct input {
         return true;
     }
 };
-
-// The survivor map of the list form with one list, 0 to n - 1 in the given order: each node onto
-// the first-listed other node in its box and within tol, then chains followed while the rank falls.
-std::vector<unsigned> plain_merge(qv7::dense2D<double> const& pos, std::vector<unsigned> const& list, double tol)
-{
-    std::size_t n = pos.cols();
-    std::vector<unsigned> merged(n), rank(n);
-    for (unsigned k = 0; k < n; ++k) merged[k] = k, rank[list[k]] = k;
-    unsigned count = 0;
-    for (unsigned i : list)
-        for (unsigned c : list) {
-            double q = 0;
-            bool inside = c != i;
-            for (std::size_t k = 0; k < pos.rows(); ++k) {
-                double p = pos(k, i), x = pos(k, c);
-                inside = inside && p - tol <= x && x <= p + tol;
-                q += (x - p) * (x - p);
-            }
-            if (inside && q <= tol * tol) {
-                merged[i] = c, ++count;
-                break;
-            }
-        }
-    if (count < 2) return merged;
-    for (unsigned i : list) {
-        unsigned w = i, cur = i, best = NONE_ID;
-        for (;;) {
-            w = cur;
-            cur = merged[w];
-            if (cur == w || rank[cur] >= best) break;
-            best = rank[cur];
-        }
-        merged[i] = w;
-    }
-    return merged;
-}
 
 }  // namespace
 
@@ -112,7 +76,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     require(result >= 0 && std::size_t(result) <= n && merged.size() == n);
     for (unsigned m : merged) require(m < n);
     if (form >= 2 || n > 300) return 0;
-    std::vector<unsigned> expected = plain_merge(pos, list, tol);
+    int count = 0;
+    std::vector<unsigned> expected = plain_merge(pos, list, list, tol, count);
+    require(result == count);
     for (std::size_t j = 0; j < n; ++j) {
         require(merged[j] == expected[j]);
         if (form == 0)
