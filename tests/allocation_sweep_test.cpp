@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -88,28 +88,16 @@ void sweep(char const* name, failure_rule rule, call const& f)
     EXPECT_EQ(test_alloc::live_blocks(), blocks) << name;
 }
 
-}  // namespace
-
-namespace {
-
-// A 4 x 4 grid of nodes in the plane z = 0 (3 rows) cut into 18 triangles.
-void grid(dense2D<double>& pos, dense2D<unsigned>& T3)
+// A 4 x 4 grid of nodes (z = 0 with 3 rows) cut into 18 triangles.
+void grid(dense2D<double>& pos, dense2D<unsigned>& T3, std::size_t rows = 3)
 {
-    pos.resize(3, 16);
+    pos.resize(rows, 16, 0.0);
     T3.resize(3, 18);
-    for (unsigned j = 0; j < 16; ++j) pos(0, j) = j % 4, pos(1, j) = j / 4, pos(2, j) = 0.0;
+    for (unsigned j = 0; j < 16; ++j) pos(0, j) = j % 4, pos(1, j) = j / 4;
     for (unsigned q = 0; q < 9; ++q) {
         unsigned a = q % 3 + 4 * (q / 3), tri[6] = {a, a + 1, a + 5, a, a + 5, a + 4};
         std::copy(tri, tri + 6, T3.col(2 * q));
     }
-}
-
-dense2D<double> plane(dense2D<double> const& pos)
-{
-    dense2D<double> flat;
-    flat.resize(2, pos.cols());
-    for (std::size_t j = 0; j < pos.cols(); ++j) flat(0, j) = pos(0, j), flat(1, j) = pos(1, j);
-    return flat;
 }
 
 std::string seed(char const* file) { return std::string(TESSARIUM_SOURCE_DIR) + "/fuzz/corpus/" + file; }
@@ -122,9 +110,7 @@ std::string femap_two_groups()
                              "3,1,1,17,2,1,0\n1,2,3,0,0,0,0,0,0,0,\n"};
     for (char const* r : records) text += r + rest;
     std::string path = ::testing::TempDir() + "sweep_two_groups.neu";
-    std::FILE* f = std::fopen(path.c_str(), "w");
-    std::fputs(text.c_str(), f);
-    std::fclose(f);
+    std::ofstream(path) << text;
     return path;
 }
 
@@ -170,39 +156,28 @@ TEST(AllocationSweep, FileReaders)
 
 TEST(AllocationSweep, CopiesOfMeshes)
 {
-    dense2D<double> pos3, pos2;
-    dense2D<unsigned> T3;
-    grid(pos3, T3);
-    pos2 = plane(pos3);
-    for (dense2D<double> const* source : {&pos2, &pos3}) {
-        bool three = source->rows() == 3;
-        auto copies = [&](auto arm, auto copy) {
-            dense2D<double> pos;
-            dense2D<unsigned> M;
-            pos.copy(*source);
-            arm();
-            int r = copy(pos, M);
-            return done(r, pos, M);
-        };
-        // The used nodes are listed by unique_indices, which drops in silence what it cannot store,
-        // and the pattern forms do not test their moves and appends: only the code is sure.
-        sweep("copy_mesh", silent_code, [&](auto arm) {
-            return copies(arm, [&](dense2D<double>& pos, dense2D<unsigned>& M) { return copy_mesh(pos, M, T3); });
-        });
-        sweep("copy_mesh pattern", silent_code, [&](auto arm) {
-            return copies(arm, [&](dense2D<double>& pos, dense2D<unsigned>& M) {
-                return three ? copy_mesh(pos, M, vector_fixed<double, 3>{1, 0, 0}, vector_fixed<double, 3>{0, 0, 0},
-                                         vector_fixed<double, 3>{0, 0, 0.5}, 3, T3)
-                             : copy_mesh(pos, M, vector_fixed<double, 2>{1, 0}, vector_fixed<double, 2>{0, 0}, 0.5, 3, T3);
+    // The used nodes are listed by unique_indices, which drops in silence what it cannot store,
+    // and the pattern forms do not test their moves and appends: only the code is sure.
+    using vec2 = vector_fixed<double, 2>;
+    using vec3 = vector_fixed<double, 3>;
+    using copier = std::function<int(dense2D<double>&, dense2D<unsigned>&, dense2D<unsigned> const&)>;
+    copier const copies[] = {
+        [](auto& pos, auto& M, auto const& T3) { return copy_mesh(pos, M, T3); },
+        [](auto& pos, auto& M, auto const& T3) { return copy_mesh(pos, M, vec2{1, 0}, vec2{0, 0}, 0.5, 3, T3); },
+        [](auto& pos, auto& M, auto const& T3) { return copy_mesh(pos, M, vec3{1, 0, 0}, vec3{}, vec3{0, 0, 1}, 3, T3); },
+        [](auto& pos, auto& M, auto const& T3) { return copy_sym_mesh(pos, M, vec2{0, 1}, vec2{0, 1}, T3); },
+        [](auto& pos, auto& M, auto const& T3) { return copy_sym_mesh(pos, M, vec3{0, 0, 1}, vec3{0, 0, 1}, T3); },
+    };
+    for (std::size_t rows : {2, 3})
+        for (copier const& copy : copies)
+            sweep("copy_mesh or copy_sym_mesh", silent_code, [&](auto arm) {
+                dense2D<double> pos;
+                dense2D<unsigned> T3, M;
+                grid(pos, T3, rows);
+                arm();
+                int r = copy(pos, M, T3);
+                return done(r, pos, M);
             });
-        });
-        sweep("copy_sym_mesh", silent_code, [&](auto arm) {
-            return copies(arm, [&](dense2D<double>& pos, dense2D<unsigned>& M) {
-                return three ? copy_sym_mesh(pos, M, vector_fixed<double, 3>{0, 0, 1}, vector_fixed<double, 3>{0, 0, 1}, T3)
-                             : copy_sym_mesh(pos, M, vector_fixed<double, 2>{0, 1}, vector_fixed<double, 2>{0, 1}, T3);
-            });
-        });
-    }
 }
 
 TEST(AllocationSweep, IndicesAndSearch)
