@@ -22,6 +22,7 @@
 #include "finite_rotation.h"
 #include "transforms.h"
 #include "connectivity.h"
+#include "graphs.h"
 #include "nastran.h"
 #include "femap.h"
 #include "node_detector.h"
