@@ -59,6 +59,16 @@ public:
                       dense1D<unsigned, 8> const& graph_targets, dense1D<unsigned, 8> const& node_ids,
                       dense1D<unsigned, 8>& status, int direction, double bound, Manager& mgr) const
     {
+        __shock_queue queue;
+        return __bound_metrics(pos, graph_offsets, graph_targets, node_ids, status, direction, bound, mgr, queue);
+    }
+
+    // The run on a queue of the caller's, which can tell afterwards how many entries it took.
+    int __bound_metrics(dense2D<double> const& pos, dense1D<unsigned, 8> const& graph_offsets,
+                        dense1D<unsigned, 8> const& graph_targets, dense1D<unsigned, 8> const& node_ids,
+                        dense1D<unsigned, 8>& status, int direction, double bound, Manager& mgr,
+                        __shock_queue& queue) const
+    {
         if (bound == DBL_LIMIT || graph_offsets.size() <= 1) return 0;
         std::size_t N = graph_offsets.size() - 1, old = status.size();
         if (!status.resize(N)) return -199;
@@ -70,7 +80,6 @@ public:
         auto measure_of = [&](unsigned i, unsigned j) {
             return __measure_with(measure_, pos, mgr, node_ids[i], node_ids[j], mgr_metric(mgr, node_ids[i]));
         };
-        __shock_queue queue;
         for (unsigned i = 0; i < N; ++i) {
             if (status[i] == NONE_ID) continue;
             for (unsigned p = graph_offsets[i]; p < graph_offsets[i + 1]; ++p) {

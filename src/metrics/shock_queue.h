@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <cstdint>
+#include <vector>
 
 namespace qv7 {
 
@@ -16,55 +18,87 @@ struct __shock_entry {
     vector_fixed<unsigned, 3> words;
 };
 
+// Entry k (children 2k + 1 and 2k + 2) is stored at slot k + 1 of pages whose starts are aligned
+// on 64 bytes: two siblings always share a cache line, and so do the four grandchildren of an
+// entry. Pages are never moved, so the heap grows without copying and holds no spare half.
 class __shock_queue {
 public:
     // The float nearest to v, clamped to the largest finite float.
     static float priority_of(double v) noexcept { return static_cast<float>(std::min(v, double(FLT_MAX))); }
 
-    bool empty() const noexcept { return heap_.empty(); }
-    std::size_t size() const noexcept { return heap_.size(); }
+    bool empty() const noexcept { return size_ == 0; }
+    std::size_t size() const noexcept { return size_; }
+    // Entries pushed since construction, and the largest size reached.
+    std::size_t pushes() const noexcept { return pushes_; }
+    std::size_t peak() const noexcept { return peak_; }
 
     // False when the heap could not grow.
     bool push(double value, unsigned stamp, unsigned i, unsigned j)
     {
-        std::size_t k = heap_.size();
+        if (((size_ + 1) >> shift) >= pages_.size() && !add_page()) return false;
         __shock_entry e{priority_of(value), {{stamp, i, j}}};
-        heap_.push_back(e);
-        if (heap_.size() != k + 1) return false;
-        __shock_entry* h = heap_.data();
         // A parent moves down only when strictly smaller.
+        std::size_t k = size_++;
+        ++pushes_;
+        peak_ = std::max(peak_, size_);
         while (k > 0) {
             std::size_t p = (k - 1) / 2;
-            if (!(h[p].priority < e.priority)) break;
-            h[k] = h[p];
+            if (!(at(p).priority < e.priority)) break;
+            at(k) = at(p);
             k = p;
         }
-        h[k] = e;
+        at(k) = e;
         return true;
     }
 
     __shock_entry pop() noexcept
     {
-        __shock_entry* h = heap_.data();
-        __shock_entry top = h[0];
-        std::size_t n = heap_.size() - 1;
-        __shock_entry moved = h[n];
-        heap_.resize(n);
+        __shock_entry top = at(0);
+        std::size_t n = --size_;
+        __shock_entry moved = at(n);
         if (n == 0) return top;
         // The right child wins only when strictly greater; an equal child moves up.
         std::size_t k = 0;
         for (std::size_t c = 1; c < n; c = 2 * k + 1) {
-            if (c + 1 < n && h[c + 1].priority > h[c].priority) ++c;
-            if (moved.priority > h[c].priority) break;
-            h[k] = h[c];
+            if (8 * k + 7 < n) {  // the great-grandchildren, two lines
+                __builtin_prefetch(&at(8 * k + 7));
+                __builtin_prefetch(&at(8 * k + 11));
+            }
+            if (c + 1 < n && at(c + 1).priority > at(c).priority) ++c;
+            if (moved.priority > at(c).priority) break;
+            at(k) = at(c);
             k = c;
         }
-        h[k] = moved;
+        at(k) = moved;
         return top;
     }
 
 private:
-    dense1D<__shock_entry, 8> heap_;
+    static constexpr unsigned shift = 12;
+    static constexpr std::size_t page_size = std::size_t(1) << shift;
+
+    std::vector<dense1D<__shock_entry, 8>> blocks_;
+    std::vector<__shock_entry*> pages_;
+    std::size_t size_ = 0;
+    std::size_t pushes_ = 0;
+    std::size_t peak_ = 0;
+
+    __shock_entry& at(std::size_t k) noexcept
+    {
+        std::size_t slot = k + 1;
+        return pages_[slot >> shift][slot & (page_size - 1)];
+    }
+
+    bool add_page()
+    {
+        dense1D<__shock_entry, 8> block(page_size + 3);
+        if (block.size() != page_size + 3) return false;
+        auto address = reinterpret_cast<std::uintptr_t>(block.data());
+        std::size_t skip = ((64 - address % 64) % 64) / sizeof(__shock_entry);
+        pages_.push_back(block.data() + skip);
+        blocks_.push_back(block);
+        return true;
+    }
 };
 
 }  // namespace qv7
