@@ -23,6 +23,7 @@
 #include "transforms.h"
 #include "connectivity.h"
 #include "graphs.h"
+#include "gradation.h"
 #include "nastran.h"
 #include "femap.h"
 #include "node_detector.h"
