@@ -21,8 +21,8 @@ int check_arguments(dense2D<double> const& pos, dense2D<unsigned> const& connect
     if (bound == DBL_LIMIT || connectM.empty()) return 0;
     if (pos.rows() != 2 && pos.rows() != 3) return -1;
     unsigned nodes = pos.cols() < NONE_ID ? unsigned(pos.cols()) : NONE_ID - 1;
-    if (!check_IDs(connectM, FE_type, nodes)) return -2;
-    if (!check_IDs(node_list, nodes) || std::find(node_list.begin(), node_list.end(), NONE_ID) != node_list.end())
+    if (!tessarium::check_IDs(connectM, FE_type, nodes)) return -2;
+    if (!tessarium::check_IDs(node_list, nodes) || std::find(node_list.begin(), node_list.end(), NONE_ID) != node_list.end())
         return -4;
     if (0 > bound) return -7;
     if (!metric_rows_fit(metrics, pos.rows())) return -8;
