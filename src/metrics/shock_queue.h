@@ -60,9 +60,11 @@ public:
         // The right child wins only when strictly greater; an equal child moves up.
         std::size_t k = 0;
         for (std::size_t c = 1; c < n; c = 2 * k + 1) {
-            if (8 * k + 7 < n) {  // the great-grandchildren, two lines
-                __builtin_prefetch(&at(8 * k + 7));
-                __builtin_prefetch(&at(8 * k + 11));
+            if (16 * k + 15 < n) {  // four levels down, four lines
+                __builtin_prefetch(&at(16 * k + 15));
+                __builtin_prefetch(&at(16 * k + 19));
+                __builtin_prefetch(&at(16 * k + 23));
+                __builtin_prefetch(&at(16 * k + 27));
             }
             if (c + 1 < n && at(c + 1).priority > at(c).priority) ++c;
             if (moved.priority > at(c).priority) break;
