@@ -5,6 +5,7 @@
 #include "metrics/H_shock_minimiser.h"
 #include "tessarium/gradation.h"
 #include "tessarium/graphs.h"
+#include "tet_box.h"
 
 #include <benchmark/benchmark.h>
 
@@ -35,26 +36,9 @@ box const& mesh(unsigned n)
     static box boxes[3];
     box& b = boxes[n < 100 ? 0 : n < 150 ? 1 : 2];
     if (!b.pos.empty()) return b;
-    unsigned const p = n + 1;
-    std::size_t N = std::size_t(p) * p * p;
-    b.pos.resize(3, N);
-    for (std::size_t v = 0; v < N; ++v) {
-        b.pos(0, v) = double(v % p);
-        b.pos(1, v) = double(v / p % p);
-        b.pos(2, v) = double(v / p / p);
-    }
-    static unsigned const tets[6][4] = {{0, 1, 3, 7}, {0, 5, 1, 7}, {0, 3, 2, 7},
-                                        {0, 2, 6, 7}, {0, 4, 5, 7}, {0, 6, 4, 7}};
-    b.connect.resize(4, std::size_t(n) * n * n * 6);
-    std::size_t e = 0;
-    for (unsigned k = 0; k < n; ++k)
-        for (unsigned j = 0; j < n; ++j)
-            for (unsigned i = 0; i < n; ++i)
-                for (unsigned s = 0; s < 6; ++s, ++e)
-                    for (unsigned r = 0; r < 4; ++r) {
-                        unsigned c = tets[s][r];
-                        b.connect(r, e) = unsigned((i + (c & 1)) + p * ((j + (c >> 1 & 1)) + std::size_t(p) * (k + (c >> 2))));
-                    }
+    b.pos = box_positions(n);
+    b.connect = tet_box(n, false);
+    std::size_t N = b.pos.cols();
     std::mt19937 rng(1);
     std::uniform_real_distribution<double> u(std::log(0.25), std::log(4.0));
     b.sizes = dense1D<double, 8>(N);

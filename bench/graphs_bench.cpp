@@ -2,6 +2,7 @@
 // beside an adjacency built by sorting all directed edge pairs, on lexicographic and on random
 // node numbers.
 #include "tessarium/graphs.h"
+#include "tet_box.h"
 
 #include <benchmark/benchmark.h>
 
@@ -18,32 +19,10 @@ using qv7::dense2D;
 
 constexpr unsigned cubes = 55;  // 6 tetrahedra per cube: 998,250 elements
 
-dense2D<unsigned> make_box(unsigned n, bool shuffled)
-{
-    unsigned const p = n + 1;
-    std::vector<unsigned> number(std::size_t(p) * p * p);
-    std::iota(number.begin(), number.end(), 0u);
-    if (shuffled) std::shuffle(number.begin(), number.end(), std::mt19937(1));
-    static unsigned const tets[6][4] = {{0, 1, 3, 7}, {0, 5, 1, 7}, {0, 3, 2, 7},
-                                        {0, 2, 6, 7}, {0, 4, 5, 7}, {0, 6, 4, 7}};
-    dense2D<unsigned> connect;
-    connect.resize(4, std::size_t(n) * n * n * 6);
-    std::size_t e = 0;
-    for (unsigned k = 0; k < n; ++k)
-        for (unsigned j = 0; j < n; ++j)
-            for (unsigned i = 0; i < n; ++i)
-                for (unsigned s = 0; s < 6; ++s, ++e)
-                    for (unsigned r = 0; r < 4; ++r) {
-                        unsigned c = tets[s][r];
-                        connect(r, e) = number[(i + (c & 1)) + p * ((j + (c >> 1 & 1)) + std::size_t(p) * (k + (c >> 2)))];
-                    }
-    return connect;
-}
-
 dense2D<unsigned> const& mesh(bool shuffled)
 {
     static dense2D<unsigned> meshes[2];
-    if (meshes[shuffled].empty()) meshes[shuffled] = make_box(cubes, shuffled);
+    if (meshes[shuffled].empty()) meshes[shuffled] = tet_box(cubes, shuffled);
     return meshes[shuffled];
 }
 
