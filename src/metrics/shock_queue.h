@@ -76,7 +76,7 @@ public:
     }
 
 private:
-    static constexpr unsigned shift = 12;
+    static constexpr unsigned shift = 16;  // 1 MiB pages, given back to the system when freed
     static constexpr std::size_t page_size = std::size_t(1) << shift;
 
     std::vector<dense1D<__shock_entry, 8>> blocks_;
