@@ -289,9 +289,12 @@ TEST(BoundMetricGradations, AdversarialMapsEnd)
     }
 }
 
-TEST(BoundMetricGradations, MemoryFailureKeepsTheChangesMade)
+TEST(BoundMetricGradations, FailedAllocationsEndCleanlyAndRunsReproduce)
 {
     random_box b(6);
+    dense1D<double, 8> reference;
+    reference.copy(b.h);
+    int expected = bound_metric_gradations(b.pos, b.connect, qv7::ET_TETRA4, {}, true, 0, 0.3, reference);
     int rc = -199;
     for (std::size_t k = 0; rc == -199 && k < 40; ++k) {
         dense1D<double, 8> h;
@@ -299,6 +302,10 @@ TEST(BoundMetricGradations, MemoryFailureKeepsTheChangesMade)
         test_alloc::fail_at(k);
         rc = bound_metric_gradations(b.pos, b.connect, qv7::ET_TETRA4, {}, true, 0, 0.3, h);
         test_alloc::reset();
+        if (rc != -199) {
+            EXPECT_EQ(rc, expected);
+            EXPECT_EQ(std::memcmp(h.data(), reference.data(), h.size() * sizeof(double)), 0);
+        }
     }
     EXPECT_GT(rc, 0);
 }
