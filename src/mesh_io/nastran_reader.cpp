@@ -110,13 +110,13 @@ bool count_passed_over(std::string const& path, std::size_t elements_read, io_re
     int fd = open(path.c_str(), O_RDONLY);
     if (fd < 0) return false;
     struct stat status;
-    void* map = fstat(fd, &status) == 0 && status.st_size > 0
-                    ? mmap(nullptr, static_cast<std::size_t>(status.st_size), PROT_READ, MAP_PRIVATE, fd, 0)
-                    : MAP_FAILED;
+    bool sized = fstat(fd, &status) == 0 && status.st_size > 0;
+    std::size_t size = sized ? static_cast<std::size_t>(status.st_size) : 0;
+    void* map = sized ? mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0) : MAP_FAILED;
     close(fd);
     if (map == MAP_FAILED) return false;
     char const* text = static_cast<char const*>(map);
-    std::size_t size = static_cast<std::size_t>(status.st_size), at = 0;
+    std::size_t at = 0;
     bool bulk = false, ended = false;
     card_tally tally;
     while (at < size && !ended) {
