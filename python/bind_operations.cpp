@@ -6,6 +6,7 @@
 #include "connectivity/nbr_nodes_of_boundaries.h"
 #include "tessarium/connectivity.h"
 #include "tessarium/edges.h"
+#include "tessarium/gradation.h"
 #include "tessarium/metric_measures.h"
 #include "tessarium/metrics.h"
 #include "tessarium/quality.h"
@@ -196,6 +197,44 @@ py::array h_shock(points_t const& points, ids_t const& edge_array, c_array<doubl
     return to_numpy(vals);
 }
 
+template <class T>
+dense2D<T> own_copy(c_array<T> const& a)
+{
+    dense2D<T> out;
+    if (!out.copy(borrow2D(a))) throw std::bad_alloc();
+    return out;
+}
+
+// On a copy of the sizes (1D) or tensors (2D, one row per node).
+template <class Sizes>
+py::tuple bound_gradation(points_t const& points, ids_t const& cells, int type_value, c_array<double> const& sizes,
+                          double bound, ids_t const& nodes, bool frozen, int direction)
+{
+    dense2D<double> pos = borrow2D(points);
+    dense2D<unsigned> connect = borrow2D(cells);
+    dense1D<unsigned, 8> list = borrow1D(nodes);
+    Sizes metrics;
+    if constexpr (std::is_same<Sizes, dense2D<double>>::value) {
+        metrics = own_copy(sizes);
+    } else if (!metrics.copy(borrow1D(sizes))) {
+        throw std::bad_alloc();
+    }
+    int r;
+    {
+        nogil _;
+        r = bound_metric_gradations(pos, connect, as_type(type_value), list, frozen, direction, bound, metrics);
+    }
+    raise_if_failed(r, "bound_gradation", {{-1, "points of other than 2 or 3 coordinates"},
+                                           {-2, "cells do not fit the element type or the points"},
+                                           {-4, "a listed node beyond the points"},
+                                           {-7, "negative bound"},
+                                           {-8, "sizes of the wrong shape for the points"}});
+    if constexpr (std::is_same<Sizes, dense2D<double>>::value)
+        return py::make_tuple(to_numpy(metrics, sizes.shape(1)), r);
+    else
+        return py::make_tuple(to_numpy(metrics), r);
+}
+
 py::array merge_nodes(points_t const& points, double tol)
 {
     dense2D<double> pos = borrow2D(points);
@@ -210,14 +249,6 @@ py::array merge_nodes(points_t const& points, double tol)
     raise_if_failed(r, "merge_nodes", {{-1, "points of other than 2 or 3 coordinates"},
                                        {-4, "negative tolerance"}});
     return to_numpy(survivors);
-}
-
-template <class T>
-dense2D<T> own_copy(c_array<T> const& a)
-{
-    dense2D<T> out;
-    if (!out.copy(borrow2D(a))) throw std::bad_alloc();
-    return out;
 }
 
 py::tuple remove_degenerate(ids_t const& cells, bool strict)
@@ -318,6 +349,8 @@ void bind_operations(py::module_& m)
     m.def("size_map", &size_map);
     m.def("edge_lengths", &edge_lengths);
     m.def("h_shock", &h_shock);
+    m.def("bound_gradation_sizes", &bound_gradation<dense1D<double, 8>>);
+    m.def("bound_gradation_tensors", &bound_gradation<dense2D<double>>);
     m.def("merge_nodes", &merge_nodes);
     m.def("remove_degenerate", &remove_degenerate);
     m.def("remove_unused_nodes", &remove_unused_nodes);

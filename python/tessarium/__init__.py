@@ -24,7 +24,7 @@ __version__ = _t.version()
 
 __all__ = ["NONE", "Mesh", "read", "write", "from_meshio", "to_meshio", "neighbors", "free_faces",
            "free_face_ids", "skin_owners", "subdomains", "edges", "quality", "jacobians", "size_map",
-           "edge_lengths", "h_shock", "merge_nodes", "remove_degenerate", "remove_unused_nodes", "weld",
+           "edge_lengths", "h_shock", "bound_gradation", "merge_nodes", "remove_degenerate", "remove_unused_nodes", "weld",
            "translate", "rotate", "zoom", "NodeDetector"]
 
 _MIXED = {TYPES["face_mix"], TYPES["solid_mix"], TYPES["edge_mix"]}
@@ -203,6 +203,25 @@ def h_shock(points, edges, sizes):
     if e.size and e.shape[1] != 2:
         raise ValueError("edges must be an (e, 2) array")
     return _t.h_shock(p, e, _sizes(sizes, len(p)))
+
+
+def bound_gradation(points, cells, cell_type, sizes, bound=0.3, frozen=None, direction=0):
+    """The size map with every edge's shock (growth of the size per unit metric length, less one)
+    brought down to ``bound``, worst edge first. ``sizes``: one size per point, or one packed
+    tensor per point (n, 3) in 2D, (n, 6) in 3D. ``frozen``: nodes that keep their size;
+    ``direction``: 0 either way, 1 sizes only grow, -1 only shrink. Returns (sizes, nodes changed).
+    """
+    p = _points(points)
+    c, t = _cells(cells, cell_type, p)
+    s = np.ascontiguousarray(sizes, dtype=np.float64)
+    if len(s) != len(p) or s.ndim not in (1, 2):
+        raise ValueError("sizes must have one entry (or tensor row) per point")
+    bound = float(bound)
+    if not bound >= 0:
+        raise ValueError("bound must be a number >= 0")
+    nodes = _indices([] if frozen is None else frozen, "frozen", 1, len(p))
+    f = _t.bound_gradation_sizes if s.ndim == 1 else _t.bound_gradation_tensors
+    return f(p, c, t, s, bound, nodes, True, int(direction))
 
 
 def merge_nodes(points, tol):

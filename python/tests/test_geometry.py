@@ -103,3 +103,23 @@ def test_node_detector():
     # Converted once: a Fortran-order array is copied, and the copy is what the detector reads.
     f = np.asfortranarray(pts)
     assert not np.shares_memory(ts.NodeDetector(f).points, f)
+
+
+def test_gradation_bounds_every_edge_shock(cube):
+    points, cells = cube
+    e = np.unique(np.sort(tet_edges(cells), axis=1), axis=0)
+    length = np.linalg.norm(points[e[:, 0]] - points[e[:, 1]], axis=1)
+    sizes = np.random.default_rng(5).uniform(0.25, 4.0, len(points))
+
+    def shock(h):  # isotropic shock of an edge: exp(|h2 - h1| / L) - 1
+        return np.expm1(np.abs(h[e[:, 0]] - h[e[:, 1]]) / length)
+
+    expected = np.zeros(len(points))
+    np.maximum.at(expected, e, shock(sizes)[:, None])
+    np.testing.assert_allclose(ts.h_shock(points, e, sizes), expected, rtol=1e-12)
+    # Shrinking only, every edge can be brought to the bound.
+    graded, changed = ts.bound_gradation(points, cells, "tetra", sizes, 0.3, direction=-1)
+    assert shock(graded).max() <= 0.3 * (1 + 1e-9) and (graded <= sizes).all()
+    assert changed == (graded != sizes).sum() > 0
+    graded, _ = ts.bound_gradation(points, cells, "tetra", sizes, 0.3, frozen=[0, 5])
+    assert graded[0] == sizes[0] and graded[5] == sizes[5]
