@@ -18,7 +18,8 @@ struct detector {
     dense2D<double> pos;
     node_detector tree;
 
-    detector(c_array<double> p, std::optional<c_array<std::uint32_t>> nodes) : points(std::move(p)), pos(borrow2D(points))
+    detector(c_array<double> p, std::optional<c_array<std::uint32_t>> nodes)
+        : points(std::move(p)), pos(borrow2D(points))
     {
         int r;
         if (nodes) {

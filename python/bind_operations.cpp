@@ -28,6 +28,13 @@ using points_t = c_array<double>;
 using ids_t = c_array<std::uint32_t>;
 using nogil = py::gil_scoped_release;
 
+template <class F>
+int without_gil(F&& f)
+{
+    nogil _;
+    return f();
+}
+
 element_type as_type(int type)
 {
     if (type <= ET_NONE || type >= int(nbr_element_types)) throw py::value_error("unknown element type");
@@ -38,11 +45,7 @@ py::array neighbors(ids_t const& cells, int type_value, bool non_manifold)
 {
     element_type type = as_type(type_value);
     dense2D<unsigned> connect = borrow2D(cells), nb;
-    int r;
-    {
-        nogil _;
-        r = get_neighbors(connect, type, non_manifold, nb);
-    }
+    int r = without_gil([&] { return get_neighbors(connect, type, non_manifold, nb); });
     raise_if_failed(r, "neighbors", {{-1, "cells do not fit the element type"}, {-2, "unsupported element type"}});
     return to_numpy(nb, nbr_boundaries(__narrow(type, connect.rows())));
 }
@@ -51,11 +54,7 @@ py::array free_faces(ids_t const& cells, int type_value, ids_t const& nb)
 {
     element_type type = as_type(type_value);
     dense2D<unsigned> connect = borrow2D(cells), neighbors = borrow2D(nb), faces;
-    int r;
-    {
-        nogil _;
-        r = get_mesh_boundaries(connect, neighbors, type, faces);
-    }
+    int r = without_gil([&] { return get_mesh_boundaries(connect, neighbors, type, faces); });
     raise_if_failed(r, "free_faces", {{-1, "cells do not fit the element type"},
                                       {-2, "neighbors do not fit the cells"},
                                       {-3, "unsupported element type"}});
@@ -64,14 +63,11 @@ py::array free_faces(ids_t const& cells, int type_value, ids_t const& nb)
 
 py::tuple free_face_ids(ids_t const& cells, int type_value, ids_t const& nb)
 {
+    element_type type = as_type(type_value);
     dense2D<unsigned> connect = borrow2D(cells), neighbors = borrow2D(nb);
     dense1D<unsigned, 8> ids;
     unsigned stride = 0;
-    int r;
-    {
-        nogil _;
-        r = get_mesh_bounding_elements(connect, neighbors, as_type(type_value), ids, stride);
-    }
+    int r = without_gil([&] { return get_mesh_bounding_elements(connect, neighbors, type, ids, stride); });
     raise_if_failed(r, "free_face_ids", {{-1, "cells do not fit the element type"},
                                          {-2, "unsupported element type, or neighbors do not fit the cells"}});
     return py::make_tuple(to_numpy(ids), stride);
@@ -79,6 +75,7 @@ py::tuple free_face_ids(ids_t const& cells, int type_value, ids_t const& nb)
 
 py::tuple skin_owners(ids_t const& skin, ids_t const& cells, int type_value, ids_t const& nb)
 {
+    element_type type = as_type(type_value);
     dense2D<unsigned> faces = borrow2D(skin), connect = borrow2D(cells), neighbors = borrow2D(nb);
     dense1D<unsigned, 8> ancestors, ids;
     unsigned stride = 0;
@@ -86,7 +83,7 @@ py::tuple skin_owners(ids_t const& skin, ids_t const& cells, int type_value, ids
     {
         nogil _;
         r = get_ancestors(connect, ancestors);
-        if (r == 0) r = get_elements_on_boundaries(faces, connect, neighbors, ancestors, as_type(type_value), ids, stride);
+        if (r == 0) r = get_elements_on_boundaries(faces, connect, neighbors, ancestors, type, ids, stride);
     }
     raise_if_failed(r, "skin_owners", {{-1, "faces do not fit the element type"},
                                        {-2, "cells do not fit the element type"},
@@ -100,23 +97,16 @@ py::tuple subdomains(ids_t const& nb)
 {
     dense2D<unsigned> neighbors = borrow2D(nb);
     dense1D<unsigned, 8> indices, offsets;
-    int r;
-    {
-        nogil _;
-        r = get_subdomains(neighbors, indices, offsets);
-    }
+    int r = without_gil([&] { return get_subdomains(neighbors, indices, offsets); });
     raise_if_failed(r, "subdomains", {});
     return py::make_tuple(to_numpy(indices), to_numpy(offsets));
 }
 
 py::array edges(ids_t const& cells, int type_value)
 {
+    element_type type = as_type(type_value);
     dense2D<unsigned> connect = borrow2D(cells), out;
-    int r;
-    {
-        nogil _;
-        r = copy_edges(connect, as_type(type_value), out);
-    }
+    int r = without_gil([&] { return copy_edges(connect, type, out); });
     raise_if_failed(r, "edges", {{-1, "cells do not fit the element type"}});
     return to_numpy(out, 2);
 }
@@ -124,27 +114,25 @@ py::array edges(ids_t const& cells, int type_value)
 template <int (*F)(dense2D<double> const&, dense2D<unsigned> const&, element_type, dense1D<double, 8>&)>
 py::array per_element(points_t const& points, ids_t const& cells, int type_value)
 {
+    element_type type = as_type(type_value);
     dense2D<double> pos = borrow2D(points);
     dense2D<unsigned> connect = borrow2D(cells);
     dense1D<double, 8> out;
-    int r;
-    {
-        nogil _;
-        r = F(pos, connect, as_type(type_value), out);
-    }
+    int r = without_gil([&] { return F(pos, connect, type, out); });
     raise_if_failed(r, "quality", {{-2, "cells name nodes beyond the points"}, {-3, "unsupported element type"}});
     return to_numpy(out);
 }
 
 py::array size_map(points_t const& points, ids_t const& cells, int type_value, double power)
 {
+    element_type type = as_type(type_value);
     dense2D<double> pos = borrow2D(points);
     dense2D<unsigned> connect = borrow2D(cells);
     dense1D<double, 8> sizes;
     int r;
     {
         nogil _;
-        r = metrics_gen_iso(pos, connect, as_type(type_value), sizes, power);
+        r = metrics_gen_iso(pos, connect, type, sizes, power);
         if (r == 0 && sizes.size() < pos.cols() && !sizes.push_back_n(0.0, pos.cols() - sizes.size())) r = -199;
     }
     raise_if_failed(r, "size_map", {{-1, "cells of a higher dimension than the points"},
@@ -157,15 +145,12 @@ py::array size_map(points_t const& points, ids_t const& cells, int type_value, d
 py::dict edge_lengths(points_t const& points, ids_t const& cells, int type_value, c_array<double> const& sizes,
                       std::vector<double> bin_edges)
 {
+    element_type type = as_type(type_value);
     dense2D<double> pos = borrow2D(points);
     dense2D<unsigned> connect = borrow2D(cells), excluded;
     dense1D<double, 8> metrics = borrow1D(sizes);
     misc::histogram hist(std::move(bin_edges));
-    int r;
-    {
-        nogil _;
-        r = edge_qualities(pos, connect, as_type(type_value), metrics, hist, excluded);
-    }
+    int r = without_gil([&] { return edge_qualities(pos, connect, type, metrics, hist, excluded); });
     raise_if_failed(r, "edge_lengths", {{-1, "points of other than 2 or 3 coordinates"},
                                         {-2, "cells name nodes beyond the points"},
                                         {-4, "an edge end has no valid size"}});
@@ -187,11 +172,7 @@ py::array h_shock(points_t const& points, ids_t const& edge_array, c_array<doubl
     dense2D<double> pos = borrow2D(points);
     dense2D<unsigned> e = borrow2D(edge_array);
     dense1D<double, 8> metrics = borrow1D(sizes), vals;
-    int r;
-    {
-        nogil _;
-        r = H_shock(pos, e, metrics, vals);
-    }
+    int r = without_gil([&] { return H_shock(pos, e, metrics, vals); });
     raise_if_failed(r, "h_shock", {{-1, "points of other than 2 or 3 coordinates"},
                                    {-2, "edges name nodes beyond the points"}});
     return to_numpy(vals);
@@ -210,6 +191,7 @@ template <class Sizes>
 py::tuple bound_gradation(points_t const& points, ids_t const& cells, int type_value, c_array<double> const& sizes,
                           double bound, ids_t const& nodes, bool frozen, int direction)
 {
+    element_type type = as_type(type_value);
     dense2D<double> pos = borrow2D(points);
     dense2D<unsigned> connect = borrow2D(cells);
     dense1D<unsigned, 8> list = borrow1D(nodes);
@@ -219,11 +201,8 @@ py::tuple bound_gradation(points_t const& points, ids_t const& cells, int type_v
     } else if (!metrics.copy(borrow1D(sizes))) {
         throw std::bad_alloc();
     }
-    int r;
-    {
-        nogil _;
-        r = bound_metric_gradations(pos, connect, as_type(type_value), list, frozen, direction, bound, metrics);
-    }
+    int r = without_gil(
+        [&] { return bound_metric_gradations(pos, connect, type, list, frozen, direction, bound, metrics); });
     raise_if_failed(r, "bound_gradation", {{-1, "points of other than 2 or 3 coordinates"},
                                            {-2, "cells do not fit the element type or the points"},
                                            {-4, "a listed node beyond the points"},
@@ -241,11 +220,7 @@ py::array merge_nodes(points_t const& points, double tol)
     dense1D<unsigned, 8> all(pos.cols()), survivors;
     if (all.size() != pos.cols()) throw std::bad_alloc();
     std::iota(all.begin(), all.end(), 0u);
-    int r;
-    {
-        nogil _;
-        r = merge(pos, all, survivors, tol);
-    }
+    int r = without_gil([&] { return merge(pos, all, survivors, tol); });
     raise_if_failed(r, "merge_nodes", {{-1, "points of other than 2 or 3 coordinates"},
                                        {-4, "negative tolerance"}});
     return to_numpy(survivors);
@@ -255,11 +230,7 @@ py::tuple remove_degenerate(ids_t const& cells, bool strict)
 {
     dense2D<unsigned> connect = own_copy(cells);
     dense1D<unsigned, 8> index;
-    int r;
-    {
-        nogil _;
-        r = remove_degenerated(connect, index, strict);
-    }
+    int r = without_gil([&] { return remove_degenerated(connect, index, strict); });
     raise_if_failed(r, "remove_degenerate", {});
     return py::make_tuple(to_numpy(connect, cells.ndim() == 2 ? cells.shape(1) : 0), to_numpy(index));
 }
@@ -269,11 +240,7 @@ py::tuple remove_unused_nodes(points_t const& points, ids_t const& cells, unsign
     dense2D<double> pos = own_copy(points);
     dense2D<unsigned> connect = own_copy(cells);
     dense1D<unsigned, 8> index;
-    int r;
-    {
-        nogil _;
-        r = simplify(pos, connect, index, keep);
-    }
+    int r = without_gil([&] { return simplify(pos, connect, index, keep); });
     raise_if_failed(r, "remove_unused_nodes", {{-2, "cells name nodes beyond the points"}});
     return py::make_tuple(to_numpy(pos, points.shape(1)), to_numpy(connect, cells.shape(1)), to_numpy(index));
 }

@@ -335,4 +335,4 @@ class NodeDetector:
         if a.shape != b.shape:
             raise ValueError("lo and hi must have the same shape")
         ids, offsets = self._d.find_in_box(a, b)
-        return np.split(ids, offsets[1:-1])
+        return np.split(ids, offsets[1:-1]) if len(a) else []
