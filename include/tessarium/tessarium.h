@@ -34,3 +34,4 @@
 #include "stl.h"
 #include "quality.h"
 #include "metrics.h"
+#include "mesh.h"

@@ -61,5 +61,16 @@ __text_sink& __text_sink::real(double value, char conversion, int precision, uns
     return *this;
 }
 
+__text_sink& __text_sink::shortest(double value) noexcept
+{
+    char* out = reserve(number_room);
+    if (std::isfinite(value)) {
+        used_ += static_cast<std::size_t>(std::to_chars(out, out + number_room, value).ptr - out);
+        return *this;
+    }
+    used_ += static_cast<std::size_t>(std::snprintf(out, number_room, "%g", value));
+    return *this;
+}
+
 }  // namespace tessarium
 }  // namespace qv7

@@ -65,6 +65,8 @@ public:
     __text_sink& fixed(double value) noexcept { return real(value, 'f', 6, 0); }
     // "%g"
     __text_sink& general(double value) noexcept { return real(value, 'g', 6, 0); }
+    // The shortest text that reads back as the same double; printf's spelling of infinities and NaNs.
+    __text_sink& shortest(double value) noexcept;
 
     // A value written with "%d" from an unsigned source: same bits, read as int.
     static int as_int(unsigned long value) noexcept { return static_cast<int>(static_cast<unsigned>(value)); }

@@ -9,13 +9,16 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdio>
 #include <fstream>
 #include <initializer_list>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace exchange_test {
@@ -57,6 +60,31 @@ inline std::string corpus_dir(std::string const& format)
     if (exists(std::string(TESSARIUM_CORPUS_DIR) + "/MANIFEST.md")) return TESSARIUM_CORPUS_DIR "/" + format + "/";
 #endif
     return {};
+}
+
+// ---- other programs ----
+
+// Runs a script of tests/ (path from the source folder) with /usr/bin/python3 on a file, and
+// gathers the "name count" lines it prints; false when the program the script needs is not
+// installed (exit status 77) or there is no Python.
+inline bool run_read_script(char const* script, char const* reader, std::string const& path,
+                            std::map<std::string, long>& found)
+{
+    std::string command = std::string("/usr/bin/python3 ") + TESSARIUM_SOURCE_DIR + "/" + script + " " + reader +
+                          " '" + path + "' 2>&1";
+    std::FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return false;
+    std::string output;
+    std::array<char, 256> chunk;
+    while (std::fgets(chunk.data(), chunk.size(), pipe)) output += chunk.data();
+    int status = pclose(pipe);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) == 77 || WEXITSTATUS(status) == 127) return false;
+    EXPECT_EQ(WEXITSTATUS(status), 0) << output;
+    std::istringstream lines(output);
+    std::string name;
+    long n;
+    while (lines >> name >> n) found[name] = n;
+    return true;
 }
 
 // ---- arrays ----

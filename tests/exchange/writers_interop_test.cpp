@@ -4,11 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <map>
-#include <sstream>
-#include <sys/wait.h>
 
 using namespace qv7;
 using namespace qv7::tessarium;
@@ -18,24 +14,9 @@ namespace {
 
 using counts = std::map<std::string, long>;
 
-// Runs the reading script on a file; false when the reader is not installed.
 bool read_back(char const* reader, std::string const& path, counts& found)
 {
-    std::string command = std::string("/usr/bin/python3 ") + TESSARIUM_SOURCE_DIR + "/tests/exchange/read_back.py " +
-                          reader + " '" + path + "' 2>&1";
-    std::FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return false;
-    std::string output;
-    std::array<char, 256> chunk;
-    while (std::fgets(chunk.data(), chunk.size(), pipe)) output += chunk.data();
-    int status = pclose(pipe);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) == 77 || WEXITSTATUS(status) == 127) return false;
-    EXPECT_EQ(WEXITSTATUS(status), 0) << output;
-    std::istringstream lines(output);
-    std::string name;
-    long n;
-    while (lines >> name >> n) found[name] = n;
-    return true;
+    return run_read_script("tests/exchange/read_back.py", reader, path, found);
 }
 
 #define READ_BACK_OR_SKIP(reader, path, found) \

@@ -1,0 +1,36 @@
+#include "mesh_io/mesh_io.h"
+
+#include <cctype>
+
+namespace qv7 {
+namespace tessarium {
+namespace {
+
+// Exact readers of Medit, VTK and EnSight files go in their rows' read column.
+constexpr __format_entry formats[] = {
+    {"STL", {".stl"}, __read_STL, __write_STL, __write_STL_faithful},
+    {"Wavefront OBJ", {".obj"}, __read_OBJ, __write_OBJ, __write_OBJ_faithful},
+    {"NASTRAN", {".bdf", ".nas", ".dat"}, __read_NASTRAN, __write_NASTRAN, __write_NASTRAN_faithful},
+    {"FEMAP neutral", {".neu"}, __read_FEMAP, __write_FEMAP, __write_FEMAP_faithful},
+    {"Medit", {".mesh"}, nullptr, __write_medit, __write_medit_faithful},
+    {"Medit solution", {".sol"}, nullptr, __write_medit_sol, __write_medit_sol_faithful},
+    {"VTK legacy", {".vtk"}, nullptr, __write_VTK, __write_VTK_faithful},
+    {"EnSight", {".case"}, nullptr, __write_ensight, __write_ensight_faithful},
+};
+
+}  // namespace
+
+__format_entry const* __format_of(std::string const& path)
+{
+    std::size_t dot = path.find_last_of("./");
+    if (dot == std::string::npos || path[dot] != '.') return nullptr;
+    std::string extension = path.substr(dot);
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (__format_entry const& f : formats)
+        for (char const* e : f.extensions)
+            if (e && extension == e) return &f;
+    return nullptr;
+}
+
+}  // namespace tessarium
+}  // namespace qv7

@@ -1,0 +1,159 @@
+// Files read_mesh refuses and meshes write_mesh refuses: a negative code, a message naming the
+// file and what was wrong, the mesh left empty, no file left behind.
+#include "../exchange/exchange_files.h"
+#include "mesh_files.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <dirent.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using namespace mesh_io_test;
+using exchange_test::temp_path;
+using exchange_test::write_file;
+
+namespace {
+
+std::string binary_stl(std::uint32_t facets, std::size_t bytes)
+{
+    std::string text(84, '\0');
+    std::memcpy(&text[80], &facets, 4);
+    return text + std::string(bytes, '\0');
+}
+
+std::string const stl_text = "solid t\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n"
+                             "endloop\nendfacet\n";
+std::string const deck = "BEGIN BULK\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\nGRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\n";
+
+// Names in a folder.
+std::size_t entries(std::string const& folder)
+{
+    std::size_t n = 0;
+    if (DIR* d = opendir(folder.c_str())) {
+        while (readdir(d)) ++n;
+        closedir(d);
+    }
+    return n;
+}
+
+}  // namespace
+
+TEST(MeshBadFiles, RefusedWithAMessageAndAnEmptyMesh)
+{
+    std::string folder = temp_path("folder.bdf");
+    mkdir(folder.c_str(), 0700);
+    struct bad {
+        std::string path;
+        int code;
+        char const* says;
+    };
+    std::vector<bad> table = {
+        {temp_path("missing.bdf"), io_cannot_open, "No such file"},
+        {folder, io_cannot_open, "is a folder"},
+        {write_file("unknown.xyz", deck), io_unsupported, "unknown extension"},
+        {write_file("no_reader.vtk", "# vtk DataFile Version 4.2\n"), io_unsupported, "no reader for this format yet"},
+        {write_file("empty.stl", ""), io_malformed, "is empty"},
+        {write_file("cut.stl", binary_stl(4, 120)), io_malformed, "binary STL cut short: its 4 facets need 284 bytes"},
+        {write_file("cut_text.stl", stl_text), io_malformed, "\"endsolid\""},
+        {write_file("cut.bdf", deck), io_malformed, "no ENDDATA"},
+        {write_file("bad_grid.bdf", "$ deck\nBEGIN BULK\nGRID,1,,0.,0.,0.\nGRID,0,,1.,0.,0.\nENDDATA\n"), io_malformed,
+         "line 4: malformed GRID card or grid ID 0: \"GRID,0,,1.,0.,0.\""},
+        {write_file("obj.stl", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"), io_malformed, "not STL"},
+        {write_file("stl.bdf", stl_text + "endsolid t\n"), io_malformed, "no BEGIN BULK"},
+        {write_file("deck.obj", deck + "ENDDATA\n"), io_malformed, "no \"v\" line"},
+        {write_file("stl.neu", stl_text), io_malformed, "not a FEMAP neutral file"},
+        {write_file("bad_face.obj", "v 0 0 0\nv 1 0 0\nf 1 2 3\n"), io_malformed,
+         "element 1 (FACE_T3) refers to node 3, but there are 2 nodes"},
+        {write_file("bad_vertex.obj", "v 0 0\n"), io_malformed, "malformed"},
+    };
+    for (bad const& b : table) {
+        mesh m = every_type();
+        io_report r = read_mesh(b.path, m);
+        EXPECT_EQ(r.code, b.code) << b.path << ": " << r.message;
+        EXPECT_EQ(r.message.rfind(b.path + ": ", 0), 0u) << r.message;
+        EXPECT_NE(r.message.find(b.says), std::string::npos) << r.message;
+        EXPECT_TRUE(m.empty() && m.blocks.empty()) << b.path;
+    }
+}
+
+TEST(MeshBadFiles, RefusedMeshesLeaveNoFile)
+{
+    std::string folder = temp_path("out");
+    mkdir(folder.c_str(), 0700);
+    std::size_t before = entries(folder);
+    mesh far = every_type();
+    far.blocks[3].connect(0, 0) = static_cast<unsigned>(far.nbr_nodes());
+    mesh flat = every_type();
+    flat.pos.resize(4, flat.nbr_nodes());
+    mesh short_field = every_type();
+    short_field.node_fields.push_back({"T", dense2D<double>()});
+    struct bad {
+        mesh const* m;
+        std::string file;
+        int code;
+        char const* says;
+    };
+    std::vector<bad> table = {
+        {&far, "far.vtk", io_bad_mesh, "element 4 (FACE_T3) refers to node 177, but there are 176 nodes"},
+        {&flat, "flat.bdf", io_bad_mesh, "pos has 4 rows"},
+        {&short_field, "field.mesh", io_bad_mesh, "field \"T\" has 0 columns for 176 nodes"},
+        {&flat, "flat.xyz", io_unsupported, "unknown extension"},
+    };
+    for (bad const& b : table) {
+        std::string path = folder + "/" + b.file;
+        io_report r = write_mesh(path, *b.m);
+        EXPECT_EQ(r.code, b.code) << r.message;
+        EXPECT_NE(r.message.find(b.says), std::string::npos) << r.message;
+    }
+    io_report r = write_mesh(folder + "/missing/m.vtk", every_type());
+    EXPECT_EQ(r.code, io_cannot_open) << r.message;
+    EXPECT_EQ(entries(folder), before);
+}
+
+TEST(MeshBadFiles, FullDiskReportedAndNoFileLeft)
+{
+    std::string folder = temp_path("full");
+    mkdir(folder.c_str(), 0700);
+    std::size_t before = entries(folder);
+    // A file size limit stands in for a full disk: writes past it fail.
+    rlimit old;
+    getrlimit(RLIMIT_FSIZE, &old);
+    rlimit small = old;
+    small.rlim_cur = 1000;
+    auto previous = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    io_report r = write_mesh(folder + "/big.vtk", every_type());
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, previous);
+    EXPECT_EQ(r.code, io_write_failed) << r.message;
+    EXPECT_NE(r.message.find("could not all be written"), std::string::npos) << r.message;
+    EXPECT_EQ(entries(folder), before);
+}
+
+TEST(MeshBadFiles, FilesOfOtherSoftwareReadWholeOrRefused)
+{
+    for (char const* format : {"nastran", "femap", "stl", "obj"}) {
+        std::string folder = exchange_test::corpus_dir(format);
+        if (folder.empty()) GTEST_SKIP() << "no files of other software on this machine";
+        DIR* d = opendir(folder.c_str());
+        ASSERT_NE(d, nullptr);
+        while (dirent* entry = readdir(d)) {
+            if (entry->d_name[0] == '.') continue;
+            std::string path = folder + entry->d_name;
+            mesh m;
+            io_report r = read_mesh(path, m);
+            if (!r) {
+                EXPECT_TRUE(m.empty()) << path;
+                EXPECT_EQ(r.message.rfind(path + ": ", 0), 0u) << r.message;
+                continue;
+            }
+            EXPECT_EQ(r.elements, m.nbr_elements());
+            for (element_block const& b : m.blocks)
+                EXPECT_TRUE(check_IDs(b.connect, b.type, static_cast<unsigned>(m.nbr_nodes()))) << path;
+        }
+        closedir(d);
+    }
+}
