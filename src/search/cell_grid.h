@@ -30,7 +30,8 @@ public:
         __set_width(half_width);
         std::size_t n = list.size();
         dense1D<unsigned, 8> cell_of(n);
-        if (cell_of.size() != n || !cells_.resize(0) || !__size_tables(n)) return false;
+        // Room for a cell per node up front: the records are large, and growing them would copy.
+        if (cell_of.size() != n || !cells_.resize(n + 1) || !cells_.resize(0) || !__size_tables(n)) return false;
         for (std::size_t j = 0; j < n; ++j) {
             double const* c = pos.col(list[j]);
             cell_of[j] = NONE_ID;
@@ -175,7 +176,10 @@ private:
 
     // Most cells that a box meets hold nothing, and the table is too large for the caches: a bit
     // per hashed key, about 16 bits per node, rules out nearly all of them before the look-up.
-    std::size_t __filter_bit(std::uint64_t h) const noexcept { return static_cast<std::size_t>(h) & filter_mask_; }
+    std::size_t __filter_bit(std::uint64_t h) const noexcept
+    {
+        return static_cast<std::size_t>((h * 0x9E3779B97F4A7C15ull) >> filter_shift_);
+    }
 
     // A slot table at most half full with one cell per node, and the filter.
     bool __size_tables(std::size_t n)
@@ -183,7 +187,7 @@ private:
         slot_bits_ = 4;
         while ((std::size_t(1) << slot_bits_) < 2 * n) ++slot_bits_;
         std::size_t filter_bits = std::size_t(1) << (slot_bits_ + 3);
-        filter_mask_ = filter_bits - 1;
+        filter_shift_ = 64 - (slot_bits_ + 3);
         if (!slots_.resize(std::size_t(1) << slot_bits_) || !filter_.resize(filter_bits / 64)) return false;
         std::fill(slots_.begin(), slots_.end(), empty_slot);
         std::fill(filter_.begin(), filter_.end(), 0);
@@ -217,7 +221,7 @@ private:
     dense1D<cell_record, 8> cells_;       // cell c holds order_[cells_[c].start .. cells_[c + 1].start)
     dense1D<unsigned, 8> order_;
     dense1D<std::uint64_t, 8> filter_;    // bit __filter_bit(hash) set for every stored cell
-    std::size_t filter_mask_ = 0;
+    unsigned filter_shift_ = 57;
     unsigned slot_bits_ = 4;
 };
 
