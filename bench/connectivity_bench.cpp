@@ -17,6 +17,8 @@
 #include <ctime>
 #include <numeric>
 #include <random>
+#include <string>
+#include <sys/resource.h>
 #include <vector>
 
 namespace {
@@ -188,6 +190,31 @@ BENCHMARK_TEMPLATE(BM_sort, hexa8)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond
 BENCHMARK_TEMPLATE(BM_sieve_parts, tetra4)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_sieve_parts, hexa8)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
+// `connectivity_bench --scale N`: one get_neighbors on the tetrahedra of N^3 cubes in a fresh
+// process; prints its CPU time and the process's peak resident memory (mesh included), which
+// bench/neighbors_compare.py sets beside VTK's surface filter on the same mesh.
+int scale(unsigned n)
+{
+    dense2D<unsigned> C = make_box(n, true, false);
+    dense2D<unsigned> N;
+    std::clock_t start = std::clock();
+    int r = qv7::tessarium::get_neighbors(C, qv7::ET_TETRA4, false, N);
+    double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    unsigned long sum = 0;  // tells runs of different builds apart
+    for (std::size_t k = 0; k < N.rows() * N.cols(); ++k) sum = (sum ^ N.data()[k]) * 1099511628211ul;
+    std::printf("%.4f %zu %.1f %016lx\n", seconds, C.cols(), usage.ru_maxrss / 1024.0, sum);
+    return r == 0 ? 0 : 1;
+}
+
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    if (argc == 3 && std::string(argv[1]) == "--scale") return scale(unsigned(std::atoi(argv[2])));
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

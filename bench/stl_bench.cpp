@@ -1,7 +1,8 @@
 // STL_input on generated closed surfaces: a 1M-facet binary file and a 200k-facet text file, read
 // and welded. Baselines in the same run: admesh's exact and nearby merge on the binary file, and
 // a bare strtod pass over the numbers of the text file. `stl_bench --peak FILE` reads one file
-// and prints the peak resident memory of that read.
+// and prints the peak resident memory of that read; `--make DIR` and `--read FILE` serve
+// bench/soup_compare.py.
 #include "exchange/stl_soup.h"
 
 #include <tessarium/tessarium.h>
@@ -13,6 +14,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <random>
 #include <string>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -180,6 +183,44 @@ long peak_kib()
     return usage.ru_maxrss;
 }
 
+// The files of bench/soup_compare.py: tori of 1M and 5M facets (binary), 1M facets (text), and a
+// 1M-facet soup whose every vertex is moved by up to 1e-6 on each axis, so that no two copies of a
+// node are equal and the weld has to find them all within its tolerance (about 1e-4 here).
+int make_files(std::string const& dir)
+{
+    dense2D<double> pos;
+    dense2D<unsigned> T3;
+    torus(1000, 500, pos, T3);
+    bool ok = tessarium::STL_output((dir + "/torus_1M.stl").c_str(), pos, T3, false) == 0 &&
+              tessarium::STL_output((dir + "/torus_1M_text.stl").c_str(), pos, T3, true) == 0;
+    dense2D<double> soup;
+    dense2D<unsigned> own;
+    soup.resize(3, 3 * T3.cols());
+    own.resize(3, T3.cols());
+    std::mt19937_64 rng(1);
+    std::uniform_real_distribution<double> jitter(-1e-6, 1e-6);
+    for (std::size_t k = 0; k < 3 * T3.cols(); ++k) {
+        for (unsigned d = 0; d < 3; ++d) soup.col(k)[d] = pos.col(T3.data()[k])[d] + jitter(rng);
+        own.data()[k] = static_cast<unsigned>(k);
+    }
+    ok = ok && tessarium::STL_output((dir + "/jitter_1M.stl").c_str(), soup, own, false) == 0;
+    torus(2500, 1000, pos, T3);
+    ok = ok && tessarium::STL_output((dir + "/torus_5M.stl").c_str(), pos, T3, false) == 0;
+    return ok ? 0 : 1;
+}
+
+// One STL_input, its CPU time (user and system) in seconds on stdout.
+int time_read(char const* path)
+{
+    std::clock_t start = std::clock();
+    dense2D<double> pos;
+    dense2D<unsigned> T3;
+    int r = tessarium::STL_input(path, pos, T3);
+    double seconds = double(std::clock() - start) / CLOCKS_PER_SEC;
+    std::printf("%.4f %zu %zu\n", seconds, pos.cols(), T3.cols());
+    return r == 0 ? 0 : 1;
+}
+
 // Peak resident memory of one STL_input, in a process that holds nothing else.
 int report_peak(char const* path)
 {
@@ -204,6 +245,8 @@ void cleanup()
 int main(int argc, char** argv)
 {
     if (argc == 3 && std::strcmp(argv[1], "--peak") == 0) return report_peak(argv[2]);
+    if (argc == 3 && std::strcmp(argv[1], "--make") == 0) return make_files(argv[2]);
+    if (argc == 3 && std::strcmp(argv[1], "--read") == 0) return time_read(argv[2]);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

@@ -11,6 +11,10 @@ namespace math1 {
 // Raw storage for array blocks. Returns null when memory is exhausted; never throws.
 void* __vector_num_alloc(std::size_t bytes) noexcept;
 void __vector_num_free(void* raw) noexcept;
+// Copies `bytes` from `offset` into the block at from_raw to the same offset into the block at
+// to_raw, for a block that grows into another; the block at from_raw is freed next, so its pages
+// may be taken instead of copied.
+void __vector_num_move(void* to_raw, void* from_raw, std::size_t offset, std::size_t bytes) noexcept;
 
 class ref_counted {
 public:

@@ -73,7 +73,10 @@ public:
         if (keep > capacity) keep = capacity;
         if (keep > new_capacity) keep = new_capacity;
         if constexpr (plain) {
-            if (data && keep) std::memcpy(static_cast<void*>(new_data), data, keep * sizeof(T));
+            if (data && keep && shift != not_owned && shift == new_shift)
+                math1::__vector_num_move(raw, reinterpret_cast<char*>(data) - shift, shift, keep * sizeof(T));
+            else if (data && keep)
+                std::memcpy(static_cast<void*>(new_data), data, keep * sizeof(T));
         } else {
             for (std::uint64_t i = 0; i < keep; ++i) ::new (static_cast<void*>(new_data + i)) T(data[i]);
             if (!__vec_construction(new_data + keep, new_data + new_capacity)) {

@@ -1,4 +1,5 @@
 // The text form of STL: line by line, keywords found anywhere in a lower-cased line.
+#include "exchange/read_double.h"
 #include "exchange/stl_soup.h"
 
 #include <cstdlib>
@@ -23,6 +24,7 @@ public:
     }
     bool holds(char const* word) const { return std::strstr(text_, word) != nullptr; }
     char const* text() const { return text_; }
+    char const* text_end() const { return text_ + sizeof text_; }
 
 private:
     std::FILE* file_;
@@ -37,7 +39,7 @@ char const* skip_space(char const* p)
 
 // The count of numbers that a scan of " <first> <second> %lg %lg %lg" gives: each word after
 // optional white space, then up to three numbers.
-int scan_triple(char const* p, char const* first, char const* second, double* xyz)
+int scan_triple(char const* p, char const* last, char const* first, char const* second, double* xyz)
 {
     for (char const* word : {first, second}) {
         if (!word) continue;
@@ -48,8 +50,8 @@ int scan_triple(char const* p, char const* first, char const* second, double* xy
     }
     int count = 0;
     for (; count < 3; ++count) {
-        char* end;
-        xyz[count] = std::strtod(p, &end);
+        char const* end;
+        xyz[count] = __read_double(p, last, &end);
         if (end == p) break;
         p = end;
     }
@@ -59,10 +61,10 @@ int scan_triple(char const* p, char const* first, char const* second, double* xy
 int read_facet(text_lines& line, __STL_soup& soup)
 {
     double normal[3], xyz[3];
-    if (scan_triple(line.text(), "facet", "normal", normal) != 3) return -3;
+    if (scan_triple(line.text(), line.text_end(), "facet", "normal", normal) != 3) return -3;
     if (!line.next() || !line.holds("outer loop")) return -3;
     for (int k = 0; k < 3; ++k) {
-        if (!line.next() || scan_triple(line.text(), "vertex", nullptr, xyz) != 3) return -3;
+        if (!line.next() || scan_triple(line.text(), line.text_end(), "vertex", nullptr, xyz) != 3) return -3;
         if (!soup.add_point(xyz)) return -199;
     }
     if (!line.next() || !line.holds("endloop")) return -3;

@@ -57,31 +57,27 @@ public:
     template <class F>
     void for_each_candidate(double const* lo, double const* hi, F&& f) const
     {
-        std::int64_t first[D], last[D], at[D];
-        for (unsigned k = 0; k < D; ++k) {
-            if (std::isnan(lo[k]) || std::isnan(hi[k])) return;  // nothing passes a NaN bound
-            first[k] = at[k] = __cell(lo[k]);
-            last[k] = __cell(hi[k]);
-            if (last[k] < first[k]) return;
-        }
-        for (;;) {
-            std::uint64_t h = __hash(at);
-            if ((filter_[__filter_bit(h) / 64] >> (__filter_bit(h) % 64)) & 1u) {
-                std::uint64_t slot = slots_[__find(at, h)];
-                if (slot != empty_slot) {
-                    cell_record const* cell = &cells_[static_cast<unsigned>(slot)];
-                    for (unsigned s = cell[0].start, e = cell[1].start; s < e && f(order_[s]); ++s) {
-                    }
-                }
+        __for_each_cell(lo, hi, [&](std::int64_t const* at, std::uint64_t h) {
+            if (!__may_hold(h)) return;
+            std::uint64_t slot = slots_[__find(at, h)];
+            if (slot == empty_slot) return;
+            cell_record const* cell = &cells_[static_cast<unsigned>(slot)];
+            for (unsigned s = cell[0].start, e = cell[1].start; s < e && f(order_[s]); ++s) {
             }
-            unsigned k = 0;
-            while (k < D && at[k] == last[k]) {
-                at[k] = first[k];
-                ++k;
-            }
-            if (k == D) return;
-            ++at[k];
-        }
+        });
+    }
+
+    // Asks the caches for what a coming search of the box [lo, hi] reads: the filter words of its
+    // cells, or, once these are at hand, the slots of the cells that pass the filter. A search
+    // waits on these two reads; asking ahead for both, a few searches apart, lets them overlap.
+    void prefetch(double const* lo, double const* hi, bool slots) const
+    {
+        __for_each_cell(lo, hi, [&](std::int64_t const*, std::uint64_t h) {
+            if (!slots)
+                __builtin_prefetch(&filter_[__filter_bit(h) / 64]);
+            else if (__may_hold(h))
+                __builtin_prefetch(&slots_[static_cast<std::size_t>(h >> (64 - slot_bits_))]);
+        });
     }
 
 private:
@@ -119,6 +115,34 @@ private:
         if (x <= -coarse_) return -first_coarse_ - (__bits(-x) - __bits(coarse_));
         double t = std::isinf(inverse_width_) ? x / width_ : x * inverse_width_;  // at most 2^52
         return static_cast<std::int64_t>(std::floor(t));
+    }
+
+    // Calls f(at, hash) for every cell that meets the box [lo, hi]; none when a bound is NaN.
+    template <class F>
+    void __for_each_cell(double const* lo, double const* hi, F&& f) const
+    {
+        std::int64_t first[D], last[D], at[D];
+        for (unsigned k = 0; k < D; ++k) {
+            if (std::isnan(lo[k]) || std::isnan(hi[k])) return;  // nothing passes a NaN bound
+            first[k] = at[k] = __cell(lo[k]);
+            last[k] = __cell(hi[k]);
+            if (last[k] < first[k]) return;
+        }
+        for (;;) {
+            f(static_cast<std::int64_t const*>(at), __hash(at));
+            unsigned k = 0;
+            while (k < D && at[k] == last[k]) {
+                at[k] = first[k];
+                ++k;
+            }
+            if (k == D) return;
+            ++at[k];
+        }
+    }
+
+    bool __may_hold(std::uint64_t h) const noexcept
+    {
+        return (filter_[__filter_bit(h) / 64] >> (__filter_bit(h) % 64)) & 1u;
     }
 
     static bool __has_nan(double const* c) noexcept

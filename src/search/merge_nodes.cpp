@@ -85,14 +85,28 @@ unsigned move_onto(IDs const& list1, IDs& merged, Survivor&& survivor)
 }
 
 // The nodes of list1 moved onto their lowest-ranked neighbour within tol: their count, NONE_ID
-// when memory runs out.
+// when memory runs out. Each search is independent of the others, so the memory of later searches
+// is asked for ahead: the filter words `ahead` nodes on, the slots half as far.
 template <unsigned D>
 unsigned survivors_within(dense2D<double> const& pos, IDs const& list1, IDs const& list2, IDs& merged, double tol,
                           IDs const& rank)
 {
     __cell_grid<D> grid;
     if (!grid.build(pos, list2, tol)) return NONE_ID;
-    return move_onto(list1, merged, [&](unsigned i) { return lowest_ranked_neighbour(pos, grid, i, tol, rank); });
+    constexpr std::size_t ahead = 16;
+    auto prefetch = [&](std::size_t j, bool slots) {
+        if (j >= list1.size()) return;
+        double box[2 * D];
+        __box_around<D>(pos.col(list1[j]), tol, box);
+        grid.prefetch(box, box + D, slots);
+    };
+    std::size_t j = 0;
+    return move_onto(list1, merged, [&](unsigned i) {
+        prefetch(j + ahead, false);
+        prefetch(j + ahead / 2, true);
+        ++j;
+        return lowest_ranked_neighbour(pos, grid, i, tol, rank);
+    });
 }
 
 // The same at tol 0, where the neighbours are the nodes of equal coordinates.

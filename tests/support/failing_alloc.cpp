@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -56,6 +57,11 @@ void __vector_num_free(void* raw) noexcept
 {
     if (raw) --live;
     std::free(raw);
+}
+
+void __vector_num_move(void* to_raw, void* from_raw, std::size_t offset, std::size_t bytes) noexcept
+{
+    std::memcpy(static_cast<char*>(to_raw) + offset, static_cast<char*>(from_raw) + offset, bytes);
 }
 
 }  // namespace math1
