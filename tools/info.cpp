@@ -5,6 +5,7 @@
 #include "tessarium/repair.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <set>
 
@@ -102,13 +103,22 @@ int nodes(mesh const& m, summary& s)
                 if (b.connect(i, e) < used.size()) used[b.connect(i, e)] = 1;
     s.unused = static_cast<std::size_t>(std::count(used.begin(), used.end(), 0));
     s.tolerance = relative_tolerance * diagonal(m);
+    // Coincident nodes are neighbours once sorted by coordinates; close ones need the search.
+    std::size_t rows = m.pos.rows();
+    std::vector<unsigned> order;  // finite nodes only, for a strict order
+    order.reserve(m.nbr_nodes());
+    for (std::size_t j = 0; j < m.nbr_nodes(); ++j)
+        if (std::all_of(m.pos.col(j), m.pos.col(j) + rows, [](double x) { return std::isfinite(x); }))
+            order.push_back(static_cast<unsigned>(j));
+    auto less = [&](unsigned a, unsigned b) {
+        return std::lexicographical_compare(m.pos.col(a), m.pos.col(a) + rows, m.pos.col(b), m.pos.col(b) + rows);
+    };
+    std::sort(order.begin(), order.end(), less);
+    for (std::size_t k = 1; k < order.size(); ++k) s.duplicates_exact += !less(order[k - 1], order[k]);
     dense2D<double> pos;
     if (!pos.copy(m.pos)) return -199;
-    int exact = merge(pos, 0.0);
-    // The first pass moved duplicates onto their survivors; the second counts them again with the close ones.
-    int close = exact < 0 ? exact : merge(pos, s.tolerance);
-    if (exact < 0 || close < 0) return -199;
-    s.duplicates_exact = static_cast<std::size_t>(exact);
+    int close = merge(pos, s.tolerance);
+    if (close < 0) return -199;
     s.duplicates_close = static_cast<std::size_t>(close);
     return 0;
 }
