@@ -53,7 +53,7 @@ void add_convert(CLI::App& app, runner& run)
     c->add_flag("--faithful", o->faithful, "Write with the format functions' exact bytes (default: portable)");
     c->add_flag("--skin", o->skin, "Write only the free boundary (faces of solids, edges of surfaces)");
     c->add_flag("--binary", o->binary, "Binary STL");
-    c->footer("Example: tessarium convert bracket.bdf bracket.vtk");
+    c->footer("Example: tessarium convert bracket.bdf bracket.vtk\n");
     c->callback([&run, o] {
         run = [o]() -> int {
             mesh m;
@@ -77,7 +77,7 @@ void add_skin(CLI::App& app, runner& run)
     CLI::App* c = app.add_subcommand("skin", "Write the free boundary of a mesh: faces of solids, edges of surfaces");
     c->add_option("IN", o->in, "Mesh file to read")->required();
     c->add_option("OUT", o->out, "Mesh file to write")->required();
-    c->footer("Example: tessarium skin engine.bdf engine_skin.stl");
+    c->footer("Example: tessarium skin engine.bdf engine_skin.stl\n");
     c->callback([&run, o] {
         run = [o]() -> int {
             mesh m;

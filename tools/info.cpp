@@ -257,11 +257,11 @@ void add_info(CLI::App& app, runner& run)
     };
     auto o = std::make_shared<options>();
     CLI::App* c = app.add_subcommand(
-        "info", "Counts, bounding box, references, duplicate and unused nodes, free and non-manifold boundaries, "
-                "pieces, inverted elements and quality of mesh files");
+        "info", "What mesh files hold: counts, box, references, duplicate and unused nodes, free and non-manifold "
+                "boundaries, pieces, quality");
     c->add_option("FILE", o->files, "Mesh files to read")->required();
     c->add_flag("--json", o->json, "One JSON object per file (an array for several files)");
-    c->footer("Example: tessarium info --json part.stl");
+    c->footer("Example: tessarium info --json part.stl\n");
     c->callback([&run, o] {
         run = [o]() -> int {
             int result = exit_ok;

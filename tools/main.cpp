@@ -12,7 +12,8 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", std::string("tessarium ") + qv7::tessarium::version());
     app.add_flag("-q,--quiet", tool::progress::quiet, "No progress line on stderr");
     app.require_subcommand(1);
-    app.footer("Example: tessarium info part.stl\nRun 'tessarium COMMAND --help' for the options of a command.");
+    app.fallthrough();  // --quiet after the subcommand too
+    app.footer("Example: tessarium info part.stl\nRun 'tessarium COMMAND --help' for the options of a command.\n");
 
     tool::runner run;
     tool::add_info(app, run);
@@ -31,7 +32,9 @@ int main(int argc, char** argv)
     } catch (CLI::CallForVersion const& e) {
         return app.exit(e);
     } catch (CLI::ParseError const& e) {
-        std::fprintf(stderr, "tessarium: %s (see 'tessarium --help')\n", e.what());
+        std::string help = "tessarium";
+        for (CLI::App const* sub : app.get_subcommands()) help += " " + sub->get_name();
+        std::fprintf(stderr, "tessarium: %s (see '%s --help')\n", e.what(), help.c_str());
         return tool::exit_usage;
     }
     return run();

@@ -80,7 +80,7 @@ void add_quality(CLI::App& app, runner& run)
     c->add_option("IN", o->in, "Mesh file to read")->required();
     c->add_option("--worst", o->worst, "How many of the worst elements to list (default 10)");
     c->footer("Quality is 1 for the ideal element, 0 for a flat one, negative for an inverted one.\n"
-              "Example: tessarium quality --worst 5 engine.bdf");
+              "Example: tessarium quality --worst 5 engine.bdf\n");
     c->callback([&run, o] {
         run = [o]() -> int {
             mesh m;

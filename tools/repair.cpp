@@ -37,7 +37,7 @@ void add_repair(CLI::App& app, runner& run)
     c->add_option("--rel-tol", o->rel_tol, "Merge distance relative to the bounding-box diagonal (default 1e-6)")
         ->check(CLI::NonNegativeNumber)
         ->excludes(tol);
-    c->footer("Example: tessarium repair --tol 1e-4 scan.stl scan_fixed.stl");
+    c->footer("Example: tessarium repair --tol 1e-4 scan.stl scan_fixed.stl\n");
     c->callback([&run, o] {
         run = [o]() -> int {
             mesh m;

@@ -62,7 +62,7 @@ void add_transform(CLI::App& app, runner& run)
     c->add_option("--mirror", o->mirror, "Normal x y z of the mirror plane through the centre")->expected(3);
     c->add_option("--translate", o->translate, "Displacement x y z")->expected(3);
     c->add_option("--center", o->center, "Centre of scaling, rotation and mirror (default 0 0 0)")->expected(3);
-    c->footer("Example: tessarium transform --scale 0.001 --rotate 0 0 1 90 part_mm.stl part_m.stl");
+    c->footer("Example: tessarium transform --scale 0.001 --rotate 0 0 1 90 part_mm.stl part_m.stl\n");
     c->callback([&run, o] {
         run = [o]() -> int {
             if (!o->rotate.empty() && o->rotate[0] == 0.0 && o->rotate[1] == 0.0 && o->rotate[2] == 0.0)
