@@ -11,7 +11,8 @@
 // Writes the input to the process's file and returns its name.
 inline char const* input_file(std::uint8_t const* data, std::size_t size, char const* suffix)
 {
-    static std::string const path = "/tmp/tessarium_fuzz_" + std::to_string(getpid()) + suffix;
+    static std::string path;  // one per process, named anew for each suffix
+    path = "/tmp/tessarium_fuzz_" + std::to_string(getpid()) + suffix;
     std::FILE* f = std::fopen(path.c_str(), "wb");
     if (!f) std::abort();
     std::fwrite(data, 1, size, f);

@@ -161,7 +161,7 @@ int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& con
 {
     pos.clear();
     connectM.clear();
-    indices.push_back(0u);
+    if (!indices.push_back(0u)) return -199;
     element_state state{connectM, indices, FEs, IDs, 0, ET_NONE, {}, {}};
     int result;
     try {
@@ -169,7 +169,8 @@ int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& con
     } catch (std::bad_alloc const&) {
         result = -199;  // a line or its fields too large for memory
     }
-    if (!indices.push_back(state.count)) result = -199;
+    // A line too long for memory ends the reads with badbit set, like the end of the file.
+    if (!indices.push_back(state.count) || in.bad()) result = -199;
     return result;
 }
 

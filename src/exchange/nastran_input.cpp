@@ -44,9 +44,10 @@ element_type promoted(element_type type, std::size_t nodes) noexcept
 // ---- grid points ----
 
 // "GRID*" and its second line, 16-character fields. The continuation mark must be there, but
-// its text is not compared.
+// its text is not compared. A read that finds no line leaves second empty, not as the last card's.
 bool scan_large_grid(std::istream& in, char const* line, std::string& second, int& ID, double* xyz)
 {
+    second.clear();
     std::getline(in, second);
     char name[9] = {}, cp[17] = {}, fields[3][17] = {}, mark = 0;
     if (std::sscanf(line, "%8c%16d%16c%16lf%16lf %c", name, &ID, cp, xyz, xyz + 1, &mark) < 6) return false;
@@ -252,7 +253,7 @@ int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& c
     dense1D<unsigned, 8> fields;
     __reserve_columns(pos, 3, 256);
     __reserve_columns(connectM, 8, 256);
-    indices.push_back(0u);
+    if (!indices.push_back(0u)) return -199;
 
     element_results elements{connectM, indices, FEs, PIDs};
     element_card card;
@@ -275,7 +276,9 @@ int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& c
             code = read_card(in, line.c_str(), fields, card) ? accept_card(card, fields, elements, code) : -199;
         if (code < 0) break;
     }
+    // A line too long for memory ends the reads with badbit set, like the end of the file.
     if (!indices.push_back(static_cast<unsigned>(connectM.cols()))) code = -199;
+    if (in.bad()) return -199;
     return bulk ? code : -1;
 }
 

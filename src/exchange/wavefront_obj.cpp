@@ -5,6 +5,7 @@
 #include "tessarium/wavefront_obj.h"
 
 #include <fstream>
+#include <new>
 #include <sstream>
 #include <string>
 
@@ -130,11 +131,16 @@ int WavefrontOBJ_input(char const* file_name, dense2D<double>& pos, dense2D<doub
     if (!file) return -1;
     obj_reader reader{file, pos, normals, textures, connectT3, connectQ4, {}, {}, {}, {}};
     std::string text;
-    while (std::getline(file, text)) {
-        if (int r = reader.line(text)) return r;
-        if (!file.good()) break;
+    try {
+        while (std::getline(file, text)) {
+            if (int r = reader.line(text)) return r;
+            if (!file.good()) break;
+        }
+    } catch (std::bad_alloc const&) {
+        return -199;  // a line too large to copy
     }
-    return 0;
+    // A line too long for memory ends the reads with badbit set, like the end of the file.
+    return file.bad() ? -199 : 0;
 }
 
 }  // namespace tessarium

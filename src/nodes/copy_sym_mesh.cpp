@@ -22,7 +22,7 @@ int __copy_sym_mesh(dense2D<double>& pos, dense2D<unsigned>& connectM, vector_fi
     if (q == 0.0) return -4;
     std::size_t first_copy = pos.cols();
     if (int status = copy_mesh(pos, connectM, connect); status < 0) return status;
-    __grow_rows<D>(pos);
+    if (!__grow_rows<D>(pos)) return -199;
     double scale = -2.0 / q;
     for (std::size_t j = first_copy; j < pos.cols(); ++j) {
         double* p = pos.col(j);

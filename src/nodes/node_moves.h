@@ -9,11 +9,12 @@
 namespace qv7 {
 namespace tessarium {
 
-// Gives pos at least D rows, the new ones 0.
+// Gives pos at least D rows, the new ones 0; false when memory runs out, and then no move may run,
+// since it would write D coordinates into shorter columns.
 template <unsigned D>
-void __grow_rows(dense2D<double>& pos)
+bool __grow_rows(dense2D<double>& pos)
 {
-    if (pos.rows() < D) pos.resize(D, pos.cols(), 0.0);
+    return pos.rows() >= D || pos.resize(D, pos.cols(), 0.0);
 }
 
 template <unsigned D>

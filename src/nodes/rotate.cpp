@@ -17,7 +17,7 @@ template <unsigned D, class Move>
 int __rotate(dense2D<double>& pos, bool no_turn, IDs const* list, Move&& move)
 {
     if (pos.empty() || no_turn) return 0;
-    __grow_rows<D>(pos);
+    if (!__grow_rows<D>(pos)) return -199;
     if (!list) return __move_all(pos, move);
     return list->empty() ? 0 : __move_listed(pos, *list, move);
 }

@@ -12,7 +12,7 @@ template <unsigned D>
 int __translate(dense2D<double>& pos, vector_fixed<double, D> const& T, IDs const* list)
 {
     if (pos.empty() || __is_zero(T) || (list && list->empty())) return 0;
-    __grow_rows<D>(pos);
+    if (!__grow_rows<D>(pos)) return -199;
     auto move = [&T](double* p) {
         for (unsigned k = 0; k < D; ++k) p[k] += T[k];
     };

@@ -13,7 +13,7 @@ template <unsigned D>
 int __zoom(dense2D<double>& pos, vector_fixed<double, D> const& C, double factor, IDs const* list)
 {
     if (pos.empty() || factor == 1.0 || (list && list->empty())) return 0;
-    __grow_rows<D>(pos);
+    if (!__grow_rows<D>(pos)) return -199;
     double f = factor - 1.0;
     auto move = [&C, f](double* p) {
         for (unsigned k = 0; k < D; ++k) p[k] = (p[k] - C[k]) * f + p[k];

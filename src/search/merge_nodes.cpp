@@ -48,7 +48,8 @@ bool ranks(IDs const& list, std::size_t n, IDs& rank)
 
 // Of the nodes of the grid within tol of node i, other than i, the one of lowest rank. The hits
 // are those of a box search of half-width tol followed by the distance test, so the survivor does
-// not depend on the structure that finds them.
+// not depend on the structure that finds them. A cell lists its nodes by rank, so its scan ends at
+// its first hit, or at a rank no better than the best so far.
 template <unsigned D>
 unsigned lowest_ranked_neighbour(dense2D<double> const& pos, __cell_grid<D> const& grid, unsigned i, double tol,
                                  IDs const& rank)
@@ -59,9 +60,12 @@ unsigned lowest_ranked_neighbour(dense2D<double> const& pos, __cell_grid<D> cons
     double tol_squared = tol * tol;
     unsigned best = NONE_ID;
     grid.for_each_candidate(box, box + D, [&](unsigned c) {
-        if (c == i || (best != NONE_ID && rank[c] >= rank[best])) return;
+        if (c == i) return true;
+        if (best != NONE_ID && rank[c] >= rank[best]) return false;
         double const* q = pos.col(c);
-        if (__in_box<D>(q, box, box + D) && __squared_distance<D>(q, p) <= tol_squared) best = c;
+        if (!__in_box<D>(q, box, box + D) || !(__squared_distance<D>(q, p) <= tol_squared)) return true;
+        best = c;
+        return false;
     });
     return best;
 }

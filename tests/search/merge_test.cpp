@@ -1,6 +1,7 @@
 #include "tessarium/repair.h"
 
 #include "nodes/node_arrays.h"
+#include "support/plain_merge.h"
 
 #include <gtest/gtest.h>
 
@@ -77,54 +78,6 @@ TEST(MergeList, TwoListsAgreeWithBruteForceOnLatticeTies)
 }
 
 namespace {
-
-// The map of the list form written out plainly: distinct lists in first-seen order, a scan of the
-// second list in order for the first node other than i inside the box and within tol, then the
-// chain walk while the rank falls.
-std::vector<unsigned> plain_merge(dense2D<double> const& pos, V const& ids1, V const& ids2, double tol, int& count)
-{
-    auto distinct = [](V const& ids) {
-        V out;
-        for (unsigned v : ids)
-            if (v != NONE_ID && std::find(out.begin(), out.end(), v) == out.end()) out.push_back(v);
-        return out;
-    };
-    V list1 = distinct(ids1), list2 = distinct(ids2);
-    V merged(pos.cols()), rank(pos.cols(), NONE_ID);
-    std::iota(merged.begin(), merged.end(), 0u);
-    for (unsigned k = 0; k < list2.size(); ++k) rank[list2[k]] = k;
-    count = 0;
-    for (unsigned i : list1) {
-        for (unsigned c : list2) {
-            double q = 0;
-            bool inside = c != i;
-            for (unsigned k = 0; k < pos.rows(); ++k) {
-                double p = pos(k, i), x = pos(k, c);
-                inside = inside && p - tol <= x && x <= p + tol;
-                q += (x - p) * (x - p);
-            }
-            if (inside && q <= tol * tol) {
-                merged[i] = c;
-                ++count;
-                break;
-            }
-        }
-    }
-    if (count < 2) return merged;
-    for (unsigned i : list1) {
-        unsigned w = i, cur = i, best = NONE_ID;
-        for (;;) {
-            w = cur;
-            cur = merged[w];
-            if (cur == w || rank[cur] >= best) break;
-            best = rank[cur];
-        }
-        merged[i] = w;
-    }
-    count = 0;
-    for (unsigned i : list1) count += merged[i] != i;
-    return merged;
-}
 
 IDs to_ids(V const& v)
 {
