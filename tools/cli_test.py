@@ -1,6 +1,7 @@
 """Runs the tessarium program on the shipped sample files and on small decks written here.
 Usage: cli_test.py TESSARIUM EXAMPLES_DATA"""
 import json
+import math
 import os
 import subprocess
 import sys
@@ -96,6 +97,20 @@ run("transform", "--mirror", "1", "0", "0", "tet.bdf", "mirrored.bdf")
 j = info("mirrored.bdf")
 check(j.get("inverted") == 0 and j.get("bounding_box", {}).get("min") == [-1, 0, 0], "mirror")
 
+# Grading: triangles (1,2,3) frozen by reference 7, node 4 at distance 1 from nodes 2 and 3 of size 1.
+# With sizes 1 and h over length 1 the growth per unit metric length is exp(h - 1), so a bound of
+# 0.5 on the shock brings h = 10 down to 1 + ln 1.5.
+grids = [(0.0, 0.0, 0.0), (1.0, 0.0, 0.0), (0.0, 1.0, 0.0), (1.0, 1.0, 0.0)]
+lines = ["BEGIN BULK"] + ["GRID,%d,,%r,%r,%r" % (i + 1, *p) for i, p in enumerate(grids)]
+with open(os.path.join(tmp, "g.bdf"), "w") as f:
+    f.write("\n".join(lines + ["CTRIA3,1,7,1,2,3", "CTRIA3,2,1,2,4,3", "ENDDATA", ""]))
+with open(os.path.join(tmp, "g.sol"), "w") as f:
+    f.write("MeshVersionFormatted 2\nDimension 3\nSolAtVertices\n4\n1 1\n0.1\n1\n1\n10\nEnd\n")
+code, out, err = run("grade", "--bound", "0.5", "--frozen-refs", "7", "g.bdf", "g.sol", "graded.sol")
+with open(os.path.join(tmp, "graded.sol")) as f:
+    sizes = [float(w) for w in f.read().split("SolAtVertices")[1].split()[3:7]]
+check(code == 0 and sizes[:3] == [0.1, 1, 1] and abs(sizes[3] - (1 + math.log(1.5))) < 1e-12, "grade %s" % sizes)
+
 # Refusals: exit code, and one line on stderr that names the problem.
 with open(os.path.join(tmp, "text.stl"), "w") as f:
     f.write("hello\n")
@@ -111,6 +126,8 @@ for args, code, first in [
     (["transform", "--rotate", "0", "0", "0", "90", "tet.bdf", "x.obj"], 1, "tessarium: --rotate"),
     (["transform", "--rotate", "1", "2", "tet.bdf", "x.obj"], 2, "tessarium: "),
     (["frobnicate"], 2, "tessarium: "),
+    (["grade", "--bound", "0.5", "g.bdf", "tet.bdf", "x.sol"], 1, "tessarium: tet.bdf: no SolAtVertices"),
+    (["grade", "g.bdf", "g.sol", "x.sol"], 2, "tessarium: "),
 ]:
     got, out, err = run(*args)
     lines = err.splitlines()
@@ -119,7 +136,7 @@ for args, code, first in [
 leftovers = [n for n in os.listdir(tmp) if n in ("out.xyz", "x.obj") or n.startswith(".")]
 check(not leftovers, "files left behind: %s" % leftovers)
 
-for sub in ("info", "convert", "skin", "repair", "quality", "transform"):
+for sub in ("info", "convert", "skin", "repair", "quality", "transform", "grade"):
     code, out, _ = run(sub, "--help")
     check(code == 0 and "Example: tessarium " + sub in out, sub + " --help")
 code, out, _ = run("--version")

@@ -22,6 +22,7 @@ int main(int argc, char** argv)
     tool::add_repair(app, run);
     tool::add_quality(app, run);
     tool::add_transform(app, run);
+    tool::add_grade(app, run);
 
     try {
         app.parse(argc, argv);

@@ -65,6 +65,7 @@ void add_skin(CLI::App& app, runner& run);
 void add_repair(CLI::App& app, runner& run);
 void add_quality(CLI::App& app, runner& run);
 void add_transform(CLI::App& app, runner& run);
+void add_grade(CLI::App& app, runner& run);
 
 }  // namespace tool
 
