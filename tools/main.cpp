@@ -7,7 +7,7 @@
 
 int main(int argc, char** argv)
 {
-    CLI::App app("Mesh files from the command line: look inside, convert, repair, skin, judge and move them.",
+    CLI::App app("Mesh files from the command line: look inside, convert, repair, skin, judge, grade and move them.",
                  "tessarium");
     app.set_version_flag("--version", std::string("tessarium ") + qv7::tessarium::version());
     app.add_flag("-q,--quiet", tool::progress::quiet, "No progress line on stderr");
