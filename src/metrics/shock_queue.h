@@ -55,19 +55,15 @@ public:
         __shock_entry top = at(0);
         std::size_t n = --size_;
         if (n == 0) return top;
-        std::size_t k = 0, c = 1;
-        for (; c + 1 < n; c = 2 * k + 1) {
+        std::size_t k = 0;
+        for (std::size_t c = 1; c < n; c = 2 * k + 1) {
             if (16 * k + 15 < n) {  // four levels down, four lines
                 __builtin_prefetch(&at(16 * k + 15));
                 __builtin_prefetch(&at(16 * k + 19));
                 __builtin_prefetch(&at(16 * k + 23));
                 __builtin_prefetch(&at(16 * k + 27));
             }
-            c += at(c + 1).priority > at(c).priority;  // a coin toss: no branch to mispredict
-            at(k) = at(c);
-            k = c;
-        }
-        if (c < n) {  // a left child alone
+            if (c + 1 < n && at(c + 1).priority > at(c).priority) ++c;
             at(k) = at(c);
             k = c;
         }
