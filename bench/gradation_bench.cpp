@@ -3,6 +3,7 @@
 // log(1 + bound)), until nothing changes. Counters: queue entries pushed and at most held per
 // node, and the peak of resident memory during the call per node (high-water mark reset before).
 #include "metrics/H_shock_minimiser.h"
+#include "previous_shock_queue.h"
 #include "tessarium/gradation.h"
 #include "tessarium/graphs.h"
 #include "tet_box.h"
@@ -93,37 +94,56 @@ void run_exported(benchmark::State& state, Metrics const& start)
 void BM_gradation_iso(benchmark::State& state) { run_exported(state, mesh(unsigned(state.range(0))).sizes); }
 void BM_gradation_aniso(benchmark::State& state) { run_exported(state, mesh(unsigned(state.range(0))).tensors); }
 
-// The same run through the minimiser with a queue of our own, for its counts.
-template <class L, class Metrics>
+// The same run through the minimiser with a queue of our own, for its counts, on the queue of the
+// library or on the previous one: both give the same map, so their times compare the queues.
+template <class L, class Queue, class Metrics>
 void queue_counts(benchmark::State& state, Metrics const& start)
 {
     using manager = typename L::manager_type;
     box const& b = mesh(unsigned(state.range(0)));
     std::size_t N = b.pos.cols();
-    qv7::__shock_queue queue;
+    Queue queue;
+    double peak = 0;
     for (auto _ : state) {
+        state.PauseTiming();
         Metrics m;
         m.copy(start);
+        long before = status_kb("VmRSS:");
+        reset_peak();
+        state.ResumeTiming();
         manager mgr(m);
         dense1D<unsigned, 8> offsets, targets, ids(N), status(N, 0u);
         std::iota(ids.begin(), ids.end(), 0u);
         qv7::tessarium::get_node_graph(b.connect, offsets, targets);
         qv7::H_shock_measure<L> measure;
-        queue = qv7::__shock_queue();
+        queue = Queue();
         qv7::H_shock_minimiser<qv7::H_shock_measure<L>, manager>(measure).__bound_metrics(
             b.pos, offsets, targets, ids, status, 0, bound, mgr, queue);
+        state.PauseTiming();
+        peak = std::max(peak, 1024.0 * double(status_kb("VmHWM:") - before));
+        state.ResumeTiming();
     }
     state.counters["pushed_per_node"] = double(queue.pushes()) / double(N);
     state.counters["held_per_node"] = double(queue.peak()) / double(N);
+    state.counters["peak_B_per_node"] = peak / double(N);
 }
 
+using previous = bench_gradation::previous_shock_queue;
 void BM_queue_iso(benchmark::State& state)
 {
-    queue_counts<qv7::length_measure_isotropic<3>>(state, mesh(unsigned(state.range(0))).sizes);
+    queue_counts<qv7::length_measure_isotropic<3>, qv7::__shock_queue>(state, mesh(unsigned(state.range(0))).sizes);
 }
 void BM_queue_aniso(benchmark::State& state)
 {
-    queue_counts<qv7::length_measure_anisotropic<3>>(state, mesh(unsigned(state.range(0))).tensors);
+    queue_counts<qv7::length_measure_anisotropic<3>, qv7::__shock_queue>(state, mesh(unsigned(state.range(0))).tensors);
+}
+void BM_previous_queue_iso(benchmark::State& state)
+{
+    queue_counts<qv7::length_measure_isotropic<3>, previous>(state, mesh(unsigned(state.range(0))).sizes);
+}
+void BM_previous_queue_aniso(benchmark::State& state)
+{
+    queue_counts<qv7::length_measure_anisotropic<3>, previous>(state, mesh(unsigned(state.range(0))).tensors);
 }
 
 // Gauss-Seidel sweeps over the node graph, shrinking only, until a sweep changes nothing.
@@ -158,8 +178,10 @@ void BM_relaxation_iso(benchmark::State& state)
 BENCHMARK(BM_gradation_iso)->Arg(45)->Arg(99)->Unit(benchmark::kSecond);
 BENCHMARK(BM_relaxation_iso)->Arg(45)->Arg(99)->Unit(benchmark::kSecond);
 BENCHMARK(BM_gradation_aniso)->Arg(45)->Arg(99)->Unit(benchmark::kSecond);
+BENCHMARK(BM_previous_queue_iso)->Arg(45)->Arg(99)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_queue_iso)->Arg(45)->Arg(99)->Iterations(1)->Unit(benchmark::kSecond);
-BENCHMARK(BM_queue_aniso)->Arg(45)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_previous_queue_aniso)->Arg(45)->Arg(99)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_queue_aniso)->Arg(45)->Arg(99)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_gradation_iso)->Name("BM_gradation_iso_4M")->Arg(158)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK(BM_gradation_aniso)->Name("BM_gradation_aniso_4M")->Arg(158)->Iterations(1)->Unit(benchmark::kSecond);
 

@@ -64,10 +64,11 @@ public:
     }
 
     // The run on a queue of the caller's, which can tell afterwards how many entries it took.
+    template <class Queue>
     int __bound_metrics(dense2D<double> const& pos, dense1D<unsigned, 8> const& graph_offsets,
                         dense1D<unsigned, 8> const& graph_targets, dense1D<unsigned, 8> const& node_ids,
                         dense1D<unsigned, 8>& status, int direction, double bound, Manager& mgr,
-                        __shock_queue& queue) const
+                        Queue& queue) const
     {
         if (bound == DBL_LIMIT || graph_offsets.size() <= 1) return 0;
         std::size_t N = graph_offsets.size() - 1, old = status.size();
@@ -93,7 +94,7 @@ public:
         unsigned stamp_counter = 0;
         int changed = 0;
         while (!queue.empty()) {
-            __shock_entry e = queue.pop();
+            auto e = queue.pop();
             unsigned stamp = e.words[0], i = e.words[1], j = e.words[2];
             if (status[i] > stamp) continue;
             if (stamp < status[j] && status[j] < NONE_ID) continue;

@@ -2,6 +2,7 @@
 // whose push and pop rules fix the order of equal priorities, so that runs reproduce.
 #pragma once
 
+#include "platform/huge_pages.h"
 #include "tessarium/dense1D.h"
 #include "tessarium/fixed.h"
 
@@ -18,9 +19,10 @@ struct __shock_entry {
     vector_fixed<unsigned, 3> words;
 };
 
-// Entry k (children 2k + 1 and 2k + 2) is stored at slot k + 1 of pages whose starts are aligned
-// on 64 bytes: two siblings always share a cache line, and so do the four grandchildren of an
-// entry. Pages are never moved, so the heap grows without copying and holds no spare half.
+// Entry k (children 2k + 1 and 2k + 2) is stored at slot k + 1 of pages of 2 MiB aligned on their
+// size and backed by large pages where the system allows: two siblings always share a cache line,
+// and a pop down the lower levels misses the address cache far less often. Pages are never moved,
+// so the heap grows without copying and holds no spare half.
 class __shock_queue {
 public:
     // The float nearest to v, clamped to the largest finite float.
@@ -36,28 +38,23 @@ public:
     bool push(double value, unsigned stamp, unsigned i, unsigned j)
     {
         if (((size_ + 1) >> shift) >= pages_.size() && !add_page()) return false;
-        __shock_entry e{priority_of(value), {{stamp, i, j}}};
-        // A parent moves down only when strictly smaller.
-        std::size_t k = size_++;
         ++pushes_;
-        peak_ = std::max(peak_, size_);
-        while (k > 0) {
-            std::size_t p = (k - 1) / 2;
-            if (!(at(p).priority < e.priority)) break;
-            at(k) = at(p);
-            k = p;
-        }
-        at(k) = e;
+        peak_ = std::max(peak_, size_ + 1);
+        sift_up(size_++, __shock_entry{priority_of(value), {{stamp, i, j}}});
         return true;
     }
 
+    // The root goes; the last entry is sifted down from the root, where a right child is taken
+    // only when strictly greater than the left, and an equal child moves up. The priorities met
+    // on that path never grow, so the children smaller than the moved entry form its tail: going
+    // down to a leaf without comparing with the moved entry, then climbing back as a push does
+    // (a parent moves down only when strictly smaller), stops at the same slot. Priorities are
+    // never NaN: only measures above the bound enter.
     __shock_entry pop() noexcept
     {
         __shock_entry top = at(0);
         std::size_t n = --size_;
-        __shock_entry moved = at(n);
         if (n == 0) return top;
-        // The right child wins only when strictly greater; an equal child moves up.
         std::size_t k = 0;
         for (std::size_t c = 1; c < n; c = 2 * k + 1) {
             if (16 * k + 15 < n) {  // four levels down, four lines
@@ -67,17 +64,18 @@ public:
                 __builtin_prefetch(&at(16 * k + 27));
             }
             if (c + 1 < n && at(c + 1).priority > at(c).priority) ++c;
-            if (moved.priority > at(c).priority) break;
             at(k) = at(c);
             k = c;
         }
-        at(k) = moved;
+        sift_up(k, at(n));
         return top;
     }
 
 private:
-    static constexpr unsigned shift = 16;  // 1 MiB pages, given back to the system when freed
+    static constexpr unsigned shift = 17;  // entries of a page
     static constexpr std::size_t page_size = std::size_t(1) << shift;
+    static constexpr std::size_t page_bytes = page_size * sizeof(__shock_entry);
+    static_assert(page_bytes % huge_page_bytes == 0, "a page is whole large pages");
 
     std::vector<dense1D<__shock_entry, 8>> blocks_;
     std::vector<__shock_entry*> pages_;
@@ -91,13 +89,27 @@ private:
         return pages_[slot >> shift][slot & (page_size - 1)];
     }
 
+    // Puts e at hole k or above it: a parent moves down only when strictly smaller.
+    void sift_up(std::size_t k, __shock_entry e) noexcept
+    {
+        while (k > 0) {
+            std::size_t p = (k - 1) / 2;
+            if (!(at(p).priority < e.priority)) break;
+            at(k) = at(p);
+            k = p;
+        }
+        at(k) = e;
+    }
+
     bool add_page()
     {
-        dense1D<__shock_entry, 8> block(page_size + 3);
-        if (block.size() != page_size + 3) return false;
+        std::size_t slack = huge_page_bytes / sizeof(__shock_entry);
+        dense1D<__shock_entry, 8> block(page_size + slack);
+        if (block.size() != page_size + slack) return false;
         auto address = reinterpret_cast<std::uintptr_t>(block.data());
-        std::size_t skip = ((64 - address % 64) % 64) / sizeof(__shock_entry);
+        std::size_t skip = ((huge_page_bytes - address % huge_page_bytes) % huge_page_bytes) / sizeof(__shock_entry);
         pages_.push_back(block.data() + skip);
+        __advise_huge_pages(pages_.back(), page_bytes);
         blocks_.push_back(block);
         return true;
     }
