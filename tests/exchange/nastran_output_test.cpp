@@ -90,9 +90,9 @@ TEST(NastranOutput, GroupsMixedColumnsAndPropertyIDs)
                                                0, 1, 2, 3, 4, X, X, X,   // pyramid
                                                0, 1, 2, 3, 4, 5, X, X,   // wedge
                                                0, 1, 2, 3, 4, 5, 6, 7}); // hexahedron
-    dense1D<unsigned, 8> indices = array<unsigned>({0, 2, 3, 7});
-    dense1D<int, 8> FEs = array<int>({ET_FACE_MIX, ET_NODE, ET_SOLID_MIX});
-    dense1D<unsigned, 8> PIDs = array<unsigned>({10, 11, 12, 13, 14, 15, 16});
+    dense1D<unsigned, 8> indices = list<unsigned>({0, 2, 3, 7});
+    dense1D<int, 8> FEs = list<int>({ET_FACE_MIX, ET_NODE, ET_SOLID_MIX});
+    dense1D<unsigned, 8> PIDs = list<unsigned>({10, 11, 12, 13, 14, 15, 16});
     std::string path = temp_path("groups.bdf");
     ASSERT_EQ(NASTRAN_output(path.c_str(), points(8), M, indices, FEs, PIDs), 0);
     EXPECT_EQ(cards(path),
@@ -106,8 +106,8 @@ TEST(NastranOutput, GroupsMixedColumnsAndPropertyIDs)
     EXPECT_EQ(cards(path), "CTRIA3,1,1,1,2,3\nCQUAD4,2,2,1,2,3,4\nCQUAD4,3,2,4,3,2,1\n");
 
     // Reversed bounds make an empty group.
-    ASSERT_EQ(NASTRAN_output(path.c_str(), points(3), counting(3, 2), array<unsigned>({0, 2, 1}),
-                             array<int>({ET_FACE_T3, ET_FACE_T3}), array<unsigned>({1, 1})),
+    ASSERT_EQ(NASTRAN_output(path.c_str(), points(3), counting(3, 2), list<unsigned>({0, 2, 1}),
+                             list<int>({ET_FACE_T3, ET_FACE_T3}), list<unsigned>({1, 1})),
               0);
     EXPECT_EQ(cards(path), "CTRIA3,1,1,1,2,3\nCTRIA3,2,1,4,5,6\n");
 }
