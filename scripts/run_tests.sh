@@ -4,12 +4,14 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
+scripts/install_deps.sh
+werror=$([ "${CI:-}" = true ] && echo ON || echo OFF)
 
-cmake -S . -B build -DCMAKE_BUILD_TYPE=Release
+cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DTESSARIUM_WERROR="$werror"
 cmake --build build -j"$jobs"
 ctest --test-dir build --output-on-failure -j"$jobs"
 
-cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DTESSARIUM_SANITIZE=ON \
+cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DTESSARIUM_SANITIZE=ON -DTESSARIUM_WERROR="$werror" \
   -DTESSARIUM_BUILD_BENCH=OFF -DTESSARIUM_BUILD_EXAMPLES=OFF
 cmake --build build-asan -j"$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
