@@ -41,7 +41,8 @@ while IFS='|' read -r name file from to; do
     result="does not compile"
   else
     log=$(mktemp)
-    "$build/tests/tessarium_tests" --gtest_brief=1 >"$log" 2>&1
+    # A fault that makes a loop endless is caught by the time limit.
+    timeout 120 "$build/tests/tessarium_tests" --gtest_brief=1 >"$log" 2>&1
     status=$?
     failed=$(grep -c '^\[  FAILED  \] [A-Za-z]*\.' "$log")
     rm -f "$log"
