@@ -10,6 +10,7 @@ werror=$([ "${CI:-}" = true ] && echo ON || echo OFF)
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DTESSARIUM_WERROR="$werror"
 cmake --build build -j"$jobs"
 ctest --test-dir build --output-on-failure -j"$jobs"
+if command -v doxygen >/dev/null; then cmake --build build --target docs; fi  # fails on any warning
 
 cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DTESSARIUM_SANITIZE=ON -DTESSARIUM_WERROR="$werror" \
   -DTESSARIUM_BUILD_BENCH=OFF -DTESSARIUM_BUILD_EXAMPLES=OFF
