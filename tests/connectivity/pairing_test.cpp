@@ -222,3 +222,29 @@ TEST(Pairing, FailingAllocationsOnlyLosePairs)
     N = dense2D<unsigned>();
     EXPECT_EQ(test_alloc::live_blocks(), live);
 }
+
+TEST(Pairing, ChainsKeepInsertionOrderAcrossClosing)
+{
+    siever table;
+    ASSERT_TRUE(table.resize(64, 4));
+    std::vector<std::vector<ulong>> inserted(4);
+    std::mt19937 rng(11);
+    for (ulong v = 0; v < 60; ++v) {
+        if (v == 30) {
+            EXPECT_TRUE(table.is_open());
+            table.close();
+        }
+        ulong h = rng() % 4;
+        EXPECT_TRUE(table.insert(h, v));
+        inserted[h].push_back(v);
+    }
+    EXPECT_FALSE(table.is_open());
+    EXPECT_EQ(table.entry_count(), 60u);
+    for (ulong h = 0; h < 4; ++h) {
+        std::vector<ulong> chain;
+        for (std::size_t at = siever::head(h); at != siever::chain_end && chain.size() <= 60;
+             at = siever::next(table.slots(), at))
+            chain.push_back(table.slots()[at]);
+        EXPECT_EQ(chain, inserted[h]) << h;
+    }
+}
