@@ -22,6 +22,13 @@ using test_meshes::typed_groups;
 
 using P = std::vector<double>;
 
+// The former name of list, kept for tests written against it.
+template <class E>
+qv7::dense1D<E, 8> array(std::vector<E> const& entries)
+{
+    return list(entries);
+}
+
 // The results of a reader's common form.
 struct grouped_read {
     qv7::dense2D<double> pos;

@@ -37,6 +37,13 @@ qv7::dense2D<E> matrix(std::size_t rows, std::initializer_list<E> entries)
     for (E v : entries) M(k % rows, k / rows) = v, ++k;
     return M;
 }
+// The same with the column count written out, which must agree with the entries.
+template <class E>
+qv7::dense2D<E> matrix(std::size_t rows, std::size_t cols, std::initializer_list<E> entries)
+{
+    EXPECT_EQ(rows * cols, entries.size());
+    return matrix<E>(rows, entries);
+}
 inline qv7::dense2D<unsigned> connect(std::size_t rows, std::initializer_list<unsigned> entries)
 {
     return matrix<unsigned>(rows, entries);

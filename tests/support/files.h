@@ -46,6 +46,7 @@ inline std::string corpus_dir(std::string const& format)
 #ifdef TESSARIUM_CORPUS_DIR
     if (exists(std::string(TESSARIUM_CORPUS_DIR) + "/MANIFEST.md")) return TESSARIUM_CORPUS_DIR "/" + format + "/";
 #endif
+    static_cast<void>(format);
     return {};
 }
 
