@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Installs the Debian packages listed in .ci/packages that are missing. Uses sudo when not root.
+# Installs the Debian packages listed in .ci/packages that are missing, or only the packages named
+# as arguments. Uses sudo when not root.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 required=() optional=() section=required
-while read -r line; do
+[ $# -gt 0 ] && required=("$@")
+[ $# -gt 0 ] || while read -r line; do
   line=${line%%#*}; line=$(echo "$line" | xargs)
   [ -z "$line" ] && continue
   if [ "$line" = "optional:" ]; then section=optional; continue; fi

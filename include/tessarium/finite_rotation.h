@@ -16,12 +16,12 @@ public:
     using vec3 = vector_fixed<double, 3>;
     using mat33 = matrix_fixed<double, 3, 3>;
 
-    explicit finite_rotation(vec3 const& theta) { init(theta); }
+    explicit finite_rotation(vec3 const& rotation_vector) { init(rotation_vector); }
     finite_rotation(finite_rotation const&) = default;
     finite_rotation& operator=(finite_rotation const&) = default;
 
     // Computes every field from theta; may be called again on the same object.
-    void init(vec3 const& theta);
+    void init(vec3 const& rotation_vector);
 
     // Directional derivatives with respect to theta; out is overwritten.
     void compute_DR(vec3 const& w, mat33& out) const;

@@ -1,6 +1,5 @@
 #include "connectivity/get_neighbors_matrix.h"
 #include "connectivity/test_meshes.h"
-#include "support/failing_alloc.h"
 #include "tessarium/connectivity.h"
 
 #include <gtest/gtest.h>
@@ -73,7 +72,7 @@ unsigned judged_free_boundaries(mesh const& m, element_type type)
 
 // Cubes in a row of three, two rows deep: hexahedra, pairs of wedges, and six pyramids with the
 // bottom one cut into two tetrahedra. Free: 4 + 5 + 5 boundaries per row.
-mesh mixed_solids()
+mesh solid_blocks()
 {
     mesh m = grid_nodes(3, 2, 1, 8);
     for (unsigned j = 0; j < 2; ++j) {
@@ -89,22 +88,6 @@ mesh mixed_solids()
     return m;
 }
 
-// The pairing with every boundary forced into one bucket, so that every pair is compared.
-template <class Elfe>
-column neighbors_in_one_bucket(dense2D<unsigned> const& C, int mode)
-{
-    boundary_finder<Elfe, dense2D<unsigned>> finder;
-    dense2D<unsigned> N;
-    N.resize(Elfe::stride, C.cols(), NONE);
-    finder.set_connectivity(&C);
-    finder.sieve().resize(1, 1);
-    for (std::size_t e = 0; e < C.cols(); ++e) finder.__bdry_insert_aux(e, 0);
-    elfe_algo::internal_neighbors_updater<decltype(finder), dense2D<unsigned>> updater(N);
-    elfe_algo::null_neighbors_processor processor;
-    EXPECT_TRUE(elfe_algo::process_boundaries(finder, updater, processor, mode));
-    return flat(N);
-}
-
 }  // namespace
 
 TEST(Neighbors, StructuredMeshesByGeometry)
@@ -117,7 +100,7 @@ TEST(Neighbors, StructuredMeshesByGeometry)
     EXPECT_EQ(judged_free_boundaries<elfes::tetra4>(box(nx, ny, nz, TETRAS, 4), ET_TETRA4), 4 * faces);
     EXPECT_EQ(judged_free_boundaries<elfes::wedge6>(box(nx, ny, nz, WEDGES, 6), ET_WEDGE6), 2 * faces + 2 * nx * ny);
     EXPECT_EQ(judged_free_boundaries<elfes::pyramid5>(box(nx, ny, nz, PYRAMIDS, 5), ET_SOLID_MIX), 2 * faces);
-    EXPECT_EQ(judged_free_boundaries<elfes::solid_mix>(mixed_solids(), ET_SOLID_MIX), 28u);
+    EXPECT_EQ(judged_free_boundaries<elfes::solid_mix>(solid_blocks(), ET_SOLID_MIX), 28u);
 }
 
 TEST(Neighbors, SharedByMoreThanTwo)
@@ -156,16 +139,6 @@ TEST(Neighbors, MatchingIgnoresStartAndSense)
     EXPECT_EQ(flat(N), (column{1, NONE, NONE, NONE, NONE, NONE, NONE, 0}));
 }
 
-TEST(Neighbors, CollisionsInOneBucket)
-{
-    dense2D<unsigned> C = box(2, 2, 1, TETRAS, 4).connect(), expected;
-    ASSERT_EQ(get_neighbors(C, ET_TETRA4, false, expected), 0);
-    for (int mode : {0, 1, 2}) EXPECT_EQ(neighbors_in_one_bucket<elfes::tetra4>(C, mode), flat(expected));
-    // A pyramid's face (0, 2, 1) holds the first three nodes of a hexahedron's face (0, 1, 2, 3).
-    dense2D<unsigned> S = columns(8, {{0, 1, 2, 3, 4, 5, 6, 7}, {0, 1, 8, 9, 2, NONE, NONE, NONE}});
-    EXPECT_EQ(neighbors_in_one_bucket<elfes::solid_mix>(S, 0), column(12, NONE));
-}
-
 TEST(Neighbors, Codes)
 {
     EXPECT_EQ(next_prime(54), 97u);  // beside the sieve, used by nobody
@@ -181,24 +154,4 @@ TEST(Neighbors, Codes)
     EXPECT_EQ(get_neighbors(columns(10, {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}}), ET_TETRA10, false, N), -2);
     EXPECT_EQ(get_neighbors(columns(2, {{0, 1}}), ET_EDGE_MIX, false, N), -2);
     EXPECT_EQ(elfe_algo::get_neighbors_matrix(columns(4, {{0, 1, 2, 3}}), N, 1, elfes::hexa8{}), -1);
-}
-
-TEST(Neighbors, OutOfMemory)
-{
-    dense2D<unsigned> C = box(4, 4, 4, TETRAS, 4).connect(), expected, N;
-    ASSERT_EQ(get_neighbors(C, ET_TETRA4, false, expected), 0);
-    long live = test_alloc::live_blocks();
-    // Blocks in turn: the finder's first table, the neighbours, the table for the mesh, its
-    // growth. A failed growth loses overflow entries without a report: pairs go missing.
-    for (std::size_t k = 0; k < 5; ++k) {
-        N = dense2D<unsigned>();
-        test_alloc::failing_scope guard(k);
-        EXPECT_EQ(get_neighbors(C, ET_TETRA4, false, N), k < 3 ? -199 : 0) << k;
-        if (k < 3) continue;
-        column got = flat(N), want = flat(expected);
-        for (std::size_t i = 0; i < got.size(); ++i) EXPECT_TRUE(got[i] == want[i] || got[i] == NONE);
-        EXPECT_EQ(got == want, k == 4);
-    }
-    N = dense2D<unsigned>();
-    EXPECT_EQ(test_alloc::live_blocks(), live);
 }

@@ -120,7 +120,7 @@ TEST(FemapInput, FileFormsAndTheirViews)
 {
     dense2D<double> pos;
     dense2D<unsigned> M, M1, M2;
-    dense1D<unsigned, 8> indices = array<unsigned>({4}), IDs;
+    dense1D<unsigned, 8> indices = list<unsigned>({4}), IDs;
     dense1D<int, 8> FEs;
     EXPECT_EQ(FEMAP_input(temp_path("none/x.neu").c_str(), pos, M, indices, FEs, IDs), -1);
     EXPECT_TRUE(indices.empty());

@@ -91,8 +91,8 @@ TEST(FemapOutput, MixedGroupsLeaveOutPyramidsAndKeepTheNumbering)
                                                0, 1, 2, 3, 4, X, X, X,    // pyramid: left out
                                                0, 1, 2, 3, 4, 5, 6, 7});  // hexahedron
     std::string path = temp_path("mixed.neu");
-    ASSERT_EQ(FEMAP_output(path.c_str(), points(8), M, array<unsigned>({0, 3}), array<int>({ET_SOLID_MIX}),
-                           array<unsigned>({5, 6, 7})),
+    ASSERT_EQ(FEMAP_output(path.c_str(), points(8), M, list<unsigned>({0, 3}), list<int>({ET_SOLID_MIX}),
+                           list<unsigned>({5, 6, 7})),
               0);
     std::string block = records(path);
     EXPECT_EQ(first_line(block), "1,5,1,25,6,1,0,0,0,0,0,0,0,\n");

@@ -115,10 +115,10 @@ TEST(MeditOutput, ReferencesFromIDsInTwoDimensions)
                              "1.000000E+00 1.000000E+00 0 \n"
                              "\n";
     std::string path = temp_path("ids.mesh");
-    ASSERT_EQ(medit_output(path.c_str(), pos, tris, ET_FACE_T3, array<unsigned>({5, N, 5})), 0);
+    ASSERT_EQ(medit_output(path.c_str(), pos, tris, ET_FACE_T3, list<unsigned>({5, N, 5})), 0);
     EXPECT_EQ(contents(path), head + "Triangles\n2\n1 2 3 5 \n3 2 1 5 \n\nEnd\n");
     // Groups 0 and 2; group 1 stays empty.
-    ASSERT_EQ(medit_output(path.c_str(), pos, tris, ET_FACE_T3, array<unsigned>({2, 0, 2})), 0);
+    ASSERT_EQ(medit_output(path.c_str(), pos, tris, ET_FACE_T3, list<unsigned>({2, 0, 2})), 0);
     EXPECT_EQ(contents(path), head + "Triangles\n3\n2 4 3 0 \n1 2 3 2 \n3 2 1 2 \n\nEnd\n");
 }
 

@@ -207,7 +207,7 @@ TEST(NastranInput, FileFormsAndTheirViews)
 {
     dense2D<double> pos;
     dense2D<unsigned> M = matrix<unsigned>(1, {7}), M1, M2;
-    dense1D<unsigned, 8> indices = array<unsigned>({1, 2}), PIDs;
+    dense1D<unsigned, 8> indices = list<unsigned>({1, 2}), PIDs;
     dense1D<int, 8> FEs;
     EXPECT_EQ(NASTRAN_input(temp_path("no/such.bdf").c_str(), pos, M, indices, FEs, PIDs), -1);
     EXPECT_TRUE(M.empty() && indices.empty());

@@ -66,7 +66,7 @@ TEST(WriterRefusals, RangeFormsInTheirOrderAndTheFilesTheyLeave)
         if (c.reversed) std::swap(first, last);
         for (int w = 0; w < 3; ++w) {
             std::string path = temp_path("refused_" + std::to_string(w));
-            EXPECT_EQ(writers[w](path.c_str(), c.pos, first, last, array(c.FEs)), c.codes[w]) << c.what << ", " << w;
+            EXPECT_EQ(writers[w](path.c_str(), c.pos, first, last, list(c.FEs)), c.codes[w]) << c.what << ", " << w;
             // Medit checks before it opens the file, the others after.
             if (c.codes[w] != 0) {
                 EXPECT_EQ(exists(path) ? contents(path) : "none", w == 0 ? "none" : "") << c.what;
@@ -93,11 +93,11 @@ TEST(WriterRefusals, GroupedFormsInOneOrderLeaveAnEmptyFile)
         for (grouped_call const& c : calls) {
             dense2D<double> pos = points(3).submatrix(0, 3, c.pos_rows);
             std::vector<unsigned> per(c.per_element, 1u);
-            EXPECT_EQ(write(path.c_str(), pos, counting(c.rows), array(c.indices), array(c.FEs), array(per)), c.code);
+            EXPECT_EQ(write(path.c_str(), pos, counting(c.rows), list(c.indices), list(c.FEs), list(per)), c.code);
             EXPECT_EQ(contents(path), "");
         }
-        EXPECT_EQ(write(unwritable_path().c_str(), points(3), counting(3), array<unsigned>({0, 1}),
-                        array<int>({ET_FACE_T3}), array<unsigned>({1})),
+        EXPECT_EQ(write(unwritable_path().c_str(), points(3), counting(3), list<unsigned>({0, 1}),
+                        list<int>({ET_FACE_T3}), list<unsigned>({1})),
                   -1);
     }
     // Nothing to write: NASTRAN makes no file, FEMAP empties the one it opens first.

@@ -68,7 +68,7 @@ TEST(WritersInterop, EnsightReadByVtk)
 {
     dense2D<unsigned> groups[] = {connect(4, {0, 1, 2, 4, 1, 2, 3, 8}), connect(6, {0, 1, 2, 4, 5, 6}),
                                   counting(8), connect(3, {0, 1, 2, 5, 6, 7}), connect(4, {4, 5, 6, 7})};
-    dense1D<int, 8> FEs = array<int>({ET_TETRA4, ET_WEDGE6, ET_HEXA8, ET_FACE_T3, ET_FACE_Q4});
+    dense1D<int, 8> FEs = list<int>({ET_TETRA4, ET_WEDGE6, ET_HEXA8, ET_FACE_T3, ET_FACE_Q4});
     std::string path = temp_path("interop.geo");
     ASSERT_EQ(ensight_output(path.c_str(), cube_and_apex(), groups, groups + 5, FEs), 0);
     counts found;

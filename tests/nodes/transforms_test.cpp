@@ -1,7 +1,7 @@
 // translate, rotate, zoom, inc_bounding_box, copy_mesh and copy_sym_mesh.
 #include "tessarium/transforms.h"
 
-#include "node_arrays.h"
+#include "support/arrays.h"
 #include "support/failing_alloc.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 
 namespace {
 
-using namespace node_arrays;
+using namespace test_arrays;
 using vec2 = qv7::vector_fixed<double, 2>;
 using vec3 = qv7::vector_fixed<double, 3>;
 using pos_type = qv7::dense2D<double>;
@@ -27,7 +27,7 @@ TEST(Transforms, MoveCountAndGrowToTheirDimension)
 {
     // A third of a turn about (1, 1, 1) takes x to y, y to z and z to x.
     double const a = 2 * M_PI / 3 / std::sqrt(3.0);
-    auto const tris = matrix<unsigned>(3, 2, {0, 1, 1, 2, 1, NONE_ID});
+    auto const tris = matrix<unsigned>(3, {0, 1, 1, 2, 1, NONE_ID});
     qv7::dense2D<unsigned> const none;
     // Each case starts from the nodes (0, 0), (1, 0), (2, 1). A list moves each occurrence and
     // skips numbers beyond the nodes; a connectivity moves each node once.
@@ -52,7 +52,7 @@ TEST(Transforms, MoveCountAndGrowToTheirDimension)
     };
     for (move_case const& c : cases) {
         SCOPED_TRACE(&c - cases);
-        pos_type pos = matrix<double>(2, 3, {0, 0, 1, 0, 2, 1});
+        pos_type pos = matrix<double>(2, {0, 0, 1, 0, 2, 1});
         EXPECT_EQ(c.move(pos), c.moved);
         expect_near(values(pos), c.after);
     }
@@ -60,12 +60,12 @@ TEST(Transforms, MoveCountAndGrowToTheirDimension)
 
 TEST(IncBoundingBox, AccumulatesNeverTakesNaNAndRefusesByForm)
 {
-    auto pos = matrix<double>(3, 3, {1, 5, -2, 4, std::nan(""), 0, -3, 2, 7});
+    auto pos = matrix<double>(3, {1, 5, -2, 4, std::nan(""), 0, -3, 2, 7});
     vec3 min{{1e300, 1e300, 1e300}}, max{{-1e300, -1e300, -1e300}};
     EXPECT_EQ(ts::inc_bounding_box(pos, list({1u}), min, max), 0);
     EXPECT_TRUE(min[1] == 1e300 && max[1] == -1e300);  // the NaN of node 1 is not taken
     EXPECT_EQ(ts::inc_bounding_box(pos, min, max), 0);
-    EXPECT_EQ(ts::inc_bounding_box(matrix<double>(3, 1, {10, 10, 10}), matrix<unsigned>(2, 1, {NONE_ID, 0}), min, max), 0);
+    EXPECT_EQ(ts::inc_bounding_box(matrix<double>(3, {10, 10, 10}), matrix<unsigned>(2, {NONE_ID, 0}), min, max), 0);
     EXPECT_EQ(D(min.v, min.v + 3), (D{-3, 2, -2}));
     EXPECT_EQ(D(max.v, max.v + 3), (D{10, 10, 10}));
 
@@ -74,16 +74,16 @@ TEST(IncBoundingBox, AccumulatesNeverTakesNaNAndRefusesByForm)
     EXPECT_EQ(ts::inc_bounding_box(empty, lo, hi), -1);
     EXPECT_EQ(ts::inc_bounding_box(empty, qv7::dense2D<unsigned>(), lo, hi), 0);
     EXPECT_EQ(ts::inc_bounding_box(pos, lo, hi), -1);
-    EXPECT_EQ(ts::inc_bounding_box(pos, matrix<unsigned>(1, 1, {0}), lo, hi), -1);
-    EXPECT_EQ(ts::inc_bounding_box(matrix<double>(2, 2, {5, 5, 6, 6}), list({0u, 2u}), lo, hi), -2);
+    EXPECT_EQ(ts::inc_bounding_box(pos, matrix<unsigned>(1, {0}), lo, hi), -1);
+    EXPECT_EQ(ts::inc_bounding_box(matrix<double>(2, {5, 5, 6, 6}), list({0u, 2u}), lo, hi), -2);
     EXPECT_EQ(hi[0], 1.0);
 }
 
 TEST(CopyMesh, CopiesUsedNodesInFirstSeenOrderAndKeepsMixedEnds)
 {
-    auto pos = matrix<double>(2, 5, {0, 0, 1, 10, 2, 20, 3, 30, 4, 40});
-    auto connect = matrix<unsigned>(4, 2, {3, 1, 2, NONE_ID, 1, 0, 2, 99});
-    qv7::dense2D<unsigned> connectM = matrix<unsigned>(1, 1, {42});
+    auto pos = matrix<double>(2, {0, 0, 1, 10, 2, 20, 3, 30, 4, 40});
+    auto connect = matrix<unsigned>(4, {3, 1, 2, NONE_ID, 1, 0, 2, 99});
+    qv7::dense2D<unsigned> connectM = matrix<unsigned>(1, {42});
     EXPECT_EQ(ts::copy_mesh(pos, connectM, connect), 0);
     EXPECT_EQ(values(pos.submatrix(5, 4, 2)), (D{3, 30, 1, 10, 2, 20, 0, 0}));
     // 99 names no node: it is neither copied nor renumbered.
@@ -98,7 +98,7 @@ TEST(CopyMesh, PatternsAppendOneTurnedAndMovedBlockPerCopy)
     pos_type pos;
     pos.resize(2, 10);
     for (unsigned j = 0; j < 10; ++j) pos(0, j) = j % 5, pos(1, j) = j / 5;
-    auto const quads = matrix<unsigned>(4, 4, {0, 1, 6, 5, 1, 2, 7, 6, 2, 3, 8, 7, 3, 4, 9, 8});
+    auto const quads = matrix<unsigned>(4, {0, 1, 6, 5, 1, 2, 7, 6, 2, 3, 8, 7, 3, 4, 9, 8});
     qv7::dense2D<unsigned> flat = quads, solid;
     // The source shares its block with the target and is still copied as it was.
     EXPECT_EQ(ts::copy_mesh(pos, flat, vec2{{10, 0}}, vec2{{0, 0}}, M_PI / 2, 3, flat), 0);
@@ -121,14 +121,14 @@ TEST(CopyMesh, PatternsAppendOneTurnedAndMovedBlockPerCopy)
 
 TEST(CopySymMesh, MirrorsTheCopiesKeepingTheirNodeOrder)
 {
-    auto pos = matrix<double>(2, 3, {3, 4, 0, 0, 1, 5});
-    auto single = matrix<unsigned>(1, 1, {0});
+    auto pos = matrix<double>(2, {3, 4, 0, 0, 1, 5});
+    auto single = matrix<unsigned>(1, {0});
     qv7::dense2D<unsigned> out;
-    EXPECT_EQ(ts::copy_sym_mesh(pos, out, vec2{{1, 5}}, vec2{{2, 0}}, matrix<unsigned>(3, 1, {0, 1, 2})), 0);
+    EXPECT_EQ(ts::copy_sym_mesh(pos, out, vec2{{1, 5}}, vec2{{2, 0}}, matrix<unsigned>(3, {0, 1, 2})), 0);
     EXPECT_EQ(values(pos.submatrix(3, 3, 2)), (D{-1, 4, 2, 0, 1, 5}));
     EXPECT_EQ(values(out), (V{3, 4, 5}));
     // A plane through the origin with normal (1, 1, 0); the 2-row set gains z = 0.
-    auto flat = matrix<double>(2, 1, {1, 0});
+    auto flat = matrix<double>(2, {1, 0});
     EXPECT_EQ(ts::copy_sym_mesh(flat, out, vec3{{0, 0, 0}}, vec3{{1, 1, 0}}, single), 0);
     expect_near(values(flat), D{1, 0, 0, 0, -1, 0}, 1e-15);
 

@@ -1,6 +1,6 @@
 #include "search/bisection_tree.h"
 
-#include "nodes/node_arrays.h"
+#include "support/arrays.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 #include <random>
 #include <vector>
 
-using namespace node_arrays;
+using namespace test_arrays;
 using qv7::dense1D;
 using qv7::dense2D;
 
@@ -110,7 +110,7 @@ void check_against_brute_force(unsigned n, int extent, unsigned seed)
 
 TEST(BisectionTree, InsertLinksRecordsAndRefusesUnknownNodes)
 {
-    dense2D<double> pos = matrix<double>(2, 5, {0, 0, 1, 5, -1, 2, 1, -3, 1, 5});
+    dense2D<double> pos = matrix<double>(2, {0, 0, 1, 5, -1, 2, 1, -3, 1, 5});
     tree_t<2> tree(&pos);
     EXPECT_EQ(tree.find_closest({0, 0}), NONE_ID);
     EXPECT_FALSE(tree.insert(5) || tree.insert(NONE_ID) || tree_t<2>(nullptr).insert(0));

@@ -1,6 +1,6 @@
 #include "tessarium/repair.h"
 
-#include "nodes/node_arrays.h"
+#include "support/arrays.h"
 #include "support/plain_merge.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 #include <random>
 #include <utility>
 
-using namespace node_arrays;
+using namespace test_arrays;
 using qv7::dense2D;
 using qv7::tessarium::merge;
 using IDs = qv7::dense1D<unsigned, 8>;
@@ -31,9 +31,9 @@ TEST(MergeList, FirstListedSurvivesWithinAnInclusiveTolerance)
 {
     // Nodes on the x axis. The first listed survives, not the lowest number.
     IDs merged;
-    EXPECT_EQ(merge(matrix<double>(2, 2, {0, 0, 0.5, 0}), list({1u, NONE_ID, 1u, 0u}), merged, 1.0), 1);
+    EXPECT_EQ(merge(matrix<double>(2, {0, 0, 0.5, 0}), list({1u, NONE_ID, 1u, 0u}), merged, 1.0), 1);
     EXPECT_EQ(values(merged), (V{1, 1}));
-    dense2D<double> pos = matrix<double>(3, 3, {0, 0, 0, 3, 4, 0, 0, 0, 0});  // 3-4-5 triangle
+    dense2D<double> pos = matrix<double>(3, {0, 0, 0, 3, 4, 0, 0, 0, 0});  // 3-4-5 triangle
     EXPECT_EQ(merge(pos, list({0u, 1u}), merged, 5.0), 1);
     EXPECT_EQ(merge(pos, list({0u, 1u}), merged, std::nextafter(5.0, 0.0)), 0);
     EXPECT_EQ(values(merged), (V{0, 1, 2}));
@@ -41,9 +41,9 @@ TEST(MergeList, FirstListedSurvivesWithinAnInclusiveTolerance)
     EXPECT_EQ(values(merged), (V{2, 1, 2}));
 
     // a-b and b-c within tol, a-c not: the map is followed while the rank falls.
-    EXPECT_EQ(merge(matrix<double>(2, 3, {0, 0, 1, 0, 2, 0}), list({0u, 1u, 2u}), merged, 1.0), 2);
+    EXPECT_EQ(merge(matrix<double>(2, {0, 0, 1, 0, 2, 0}), list({0u, 1u, 2u}), merged, 1.0), 2);
     EXPECT_EQ(values(merged), (V{0, 0, 0}));
-    EXPECT_EQ(merge(matrix<double>(2, 3, {0, 0, 1, 0, 2, 0}), list({1u, 0u, 2u}), merged, 1.0), 2);
+    EXPECT_EQ(merge(matrix<double>(2, {0, 0, 1, 0, 2, 0}), list({1u, 0u, 2u}), merged, 1.0), 2);
     EXPECT_EQ(values(merged), (V{1, 1, 1}));
 }
 
@@ -135,26 +135,26 @@ TEST(MergeList, DuplicatesAgreeWithThePlainAlgorithm)
 
 TEST(MergeList, NonFiniteAndFarApartCoordinates)
 {
-    dense2D<double> pos = matrix<double>(2, 6, {0, 0, NaN, 0, 0, 0, inf, 0, inf, 0, 1e300, 0});
+    dense2D<double> pos = matrix<double>(2, {0, 0, NaN, 0, 0, 0, inf, 0, inf, 0, 1e300, 0});
     IDs all = list({0u, 1u, 2u, 3u, 4u, 5u}), merged;
     EXPECT_EQ(merge(pos, all, merged, 0.0), 1);  // inf - inf is NaN: infinite nodes stay apart
     EXPECT_EQ(values(merged), (V{0, 1, 0, 3, 4, 5}));
     // An infinite tol reaches the infinite nodes from finite ones, but their own boxes are NaN.
     EXPECT_EQ(merge(pos, all, merged, inf), 2);
     EXPECT_EQ(values(merged), (V{0, 1, 0, 3, 4, 0}));
-    dense2D<double> far = matrix<double>(3, 3, {0, 0, 0, 0, 0, 1e-9, 1e12, 1e12, -1e12});
+    dense2D<double> far = matrix<double>(3, {0, 0, 0, 0, 0, 1e-9, 1e12, 1e12, -1e12});
     EXPECT_EQ(merge(far, merged, 2e-9), 1);
 }
 
 TEST(MergeCoordinates, NodesTakeTheCoordinatesOfTheirSurvivor)
 {
-    dense2D<double> pos = matrix<double>(3, 4, {0, 0, 0, 0.5, 0, 0, 1, 0, 0, 5, 5, 5});
+    dense2D<double> pos = matrix<double>(3, {0, 0, 0, 0.5, 0, 0, 1, 0, 0, 5, 5, 5});
     dense2D<double> other = pos;  // shares the block: sees the change
     IDs merged;
     EXPECT_EQ(merge(pos, merged, 0.5), 2);
     EXPECT_EQ(values(merged), (V{0, 0, 0, 3}));
     EXPECT_EQ(values(other), (D{0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5}));
-    dense2D<double> flat = matrix<double>(2, 3, {1, 1, 4, 4, 1, 1.25});
+    dense2D<double> flat = matrix<double>(2, {1, 1, 4, 4, 1, 1.25});
     EXPECT_EQ(merge(flat, 0.25), 1);
     EXPECT_EQ(values(flat), (D{1, 1, 4, 4, 1, 1}));
     EXPECT_EQ(merge(flat, merged, NaN), 0);  // a NaN tol passes and merges nothing
@@ -163,9 +163,9 @@ TEST(MergeCoordinates, NodesTakeTheCoordinatesOfTheirSurvivor)
 
 TEST(MergeCodes, RefusalsComeInOrderAndEmptyTheMap)
 {
-    dense2D<double> pos = matrix<double>(2, 2, {0, 0, 1, 0}), one_row = matrix<double>(1, 2, {0, 1}), no_nodes;
+    dense2D<double> pos = matrix<double>(2, {0, 0, 1, 0}), one_row = matrix<double>(1, {0, 1}), no_nodes;
     IDs merged, good = list({0u, 1u}), bad = list({0u, 2u});
-    dense2D<unsigned> edges = matrix<unsigned>(2, 1, {0, 1}), wrong = matrix<unsigned>(2, 1, {0, 2});
+    dense2D<unsigned> edges = matrix<unsigned>(2, {0, 1}), wrong = matrix<unsigned>(2, {0, 2});
     refusal const cases[] = {
         {0, [&] { return merge(no_nodes, bad, merged, -1.0); }},  // no nodes: no checks
         {-1, [&] { return merge(one_row, merged, -1.0); }},
@@ -196,29 +196,29 @@ TEST(MergeModes, WithinOneElementClosestFirstAndRepeatedPasses)
 {
     // Triangle A has the short edge 1-2; node 3 of triangle B lies on node 0 of A. Mode 1 merges
     // within an element only, mode 0 across elements.
-    dense2D<double> pos = matrix<double>(2, 6, {0, 0, 1, 0, 1, 0.01, 0, 0, -1, 0, 0, -1});
+    dense2D<double> pos = matrix<double>(2, {0, 0, 1, 0, 1, 0.01, 0, 0, -1, 0, 0, -1});
     IDs merged;
-    dense2D<unsigned> A = matrix<unsigned>(3, 1, {0, 1, 2}), B = matrix<unsigned>(3, 1, {3, 4, 5});
+    dense2D<unsigned> A = matrix<unsigned>(3, {0, 1, 2}), B = matrix<unsigned>(3, {3, 4, 5});
     EXPECT_EQ(merge(pos, A, B, merged, 0.05, 1), 1);
     EXPECT_EQ(values(merged), (V{0, 1, 1, 3, 4, 5}));
     EXPECT_EQ(values(A), (V{0, 1, 1}));
-    dense2D<unsigned> both[2] = {matrix<unsigned>(3, 1, {0, 1, 2}), matrix<unsigned>(3, 1, {3, 4, 5})};
+    dense2D<unsigned> both[2] = {matrix<unsigned>(3, {0, 1, 2}), matrix<unsigned>(3, {3, 4, 5})};
     EXPECT_EQ(merge(pos, both, both + 2, merged, 0.05, 0), 2);
     EXPECT_EQ(values(merged), (V{0, 1, 1, 0, 4, 5}));
     EXPECT_EQ(values(both[1]), (V{0, 4, 5}));
 
     // One 4-node column on a line: 0-1 and 2-3 exactly at tol, 1-2 much closer. Mode 1 moves 2 onto
     // 1 first, then 1 onto 0, so 2-3 is no longer free; the list rule of mode 0 chains 3 along.
-    dense2D<double> line = matrix<double>(2, 4, {0, 0, 1, 0, 1.125, 0, 2.125, 0});
+    dense2D<double> line = matrix<double>(2, {0, 0, 1, 0, 1.125, 0, 2.125, 0});
     for (unsigned mode : {1u, 0u}) {
-        dense2D<unsigned> quad = matrix<unsigned>(4, 1, {0, 1, 2, 3});
+        dense2D<unsigned> quad = matrix<unsigned>(4, {0, 1, 2, 3});
         EXPECT_EQ(merge(line, quad, merged, 1.0, mode), mode == 1 ? 2 : 3);
         EXPECT_EQ(values(quad), mode == 1 ? (V{0, 0, 0, 3}) : (V{0, 0, 0, 0}));
     }
     // Edges 0-1 and 1-2: once 1 is on 0, the second edge joins 0 and 2, which only mode 2 merges.
-    dense2D<double> short_line = matrix<double>(2, 3, {0, 0, 0.375, 0, 0.875, 0});
+    dense2D<double> short_line = matrix<double>(2, {0, 0, 0.375, 0, 0.875, 0});
     for (unsigned mode : {1u, 2u}) {
-        dense2D<unsigned> edges = matrix<unsigned>(2, 2, {0, 1, 1, 2});
+        dense2D<unsigned> edges = matrix<unsigned>(2, {0, 1, 1, 2});
         EXPECT_EQ(merge(short_line, edges, merged, 1.0, mode), mode == 1 ? 1 : 2);
         EXPECT_EQ(values(merged), mode == 1 ? (V{0, 0, 2}) : (V{0, 0, 0}));
     }
@@ -226,12 +226,12 @@ TEST(MergeModes, WithinOneElementClosestFirstAndRepeatedPasses)
 
 TEST(MergeMemory, ExhaustionGivesMinus199OrTheFullResult)
 {
-    dense2D<double> pos = matrix<double>(2, 5, {0, 0, 1, 0, 2, 0, 5, 0, 5.5, 0});
+    dense2D<double> pos = matrix<double>(2, {0, 0, 1, 0, 2, 0, 5, 0, 5.5, 0});
     IDs ids = list({0u, 1u, 2u, 3u, 4u});
     long before = test_alloc::live_blocks();
     for (std::size_t k = 0; k < 60; ++k) {
         IDs merged;
-        dense2D<unsigned> tris = matrix<unsigned>(3, 2, {0, 1, 2, 2, 3, 4});
+        dense2D<unsigned> tris = matrix<unsigned>(3, {0, 1, 2, 2, 3, 4});
         int by_list = failing_after(k, [&] { return merge(pos, ids, merged, 1.0); });
         int by_element = failing_after(k, [&] { return merge(pos, tris, 0.6, 1); });
         EXPECT_TRUE(k > 0 || (by_list == -199 && by_element == -199));

@@ -1,0 +1,1 @@
+#include <tessarium/tessarium.h>
