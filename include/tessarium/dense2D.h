@@ -123,8 +123,10 @@ public:
         std::size_t old_rows = rows_, old_cols = cols_;
         if (!resize(m, n)) return false;
         if (empty()) return true;
+        // Columns that the call dropped are not there to fill.
         if (old_rows < rows_ && old_cols != 0)
-            for (std::size_t j = 0; j < old_cols; ++j) std::fill(col(j) + old_rows, col(j) + rows_, fill);
+            for (std::size_t j = 0; j < std::min(old_cols, cols_); ++j)
+                std::fill(col(j) + old_rows, col(j) + rows_, fill);
         for (std::size_t j = old_cols; j < cols_; ++j) std::fill(col(j), col(j) + rows_, fill);
         return true;
     }

@@ -141,6 +141,10 @@ struct faceT3 : __face_sides<faceT3> {
     static void copy_director(dense2D<double> const& pos, unsigned const* nodes,
                               vector_fixed<double, 3>& director) noexcept;
 
+    // Shape quality, 2 sqrt(3) inradius over longest side: 1 equilateral, 0 flat, negative for a
+    // clockwise triangle of a 2-row pos. Defined with the quality code.
+    static double geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept;
+
     // Two triples of nodes: 1 for the same triangle turning the same way, -1 turning the other
     // way, 0 for different triangles. Anchored at the smallest node, so the start does not matter.
     struct orientation {
@@ -181,6 +185,15 @@ struct faceQ4 : __face_sides<faceQ4> {
         *out++ = p;
         return out;
     }
+
+    // Shape quality from the worst corner: signed in the plane, times the warp factor in space.
+    static double __geometric_quality(dense2D<double> const& coords, unsigned const* nodes,
+                                      fixed_size_tag<2u>) noexcept;
+    static double __geometric_quality(dense2D<double> const& coords, unsigned const* nodes,
+                                      fixed_size_tag<3u>) noexcept;
+    // 1 for a planar quadrangle, falling to 0 as opposite corner normals turn apart.
+    template <class Coords>
+    static double __warp_quality(Coords const& coords, unsigned const* nodes, fixed_size_tag<3u>) noexcept;
 
     // As faceT3::orientation on quadruples; the same four nodes with other diagonals differ.
     struct orientation {
@@ -269,6 +282,21 @@ struct tetra4 {
     {
         return faceT3::orientation()(a, c);
     }
+
+    // Shape quality, 2 sqrt(6) inradius over longest edge, with its sign decided over the even
+    // node orders when the first evaluation is in doubt. `apex` stands for node 3.
+    template <class Coords>
+    static double geometric_quality(Coords const& coords, unsigned const* nodes) noexcept;
+    template <class Coords>
+    static double geometric_quality(Coords const& coords, unsigned const* nodes,
+                                    vector_fixed<double, 3> const& apex) noexcept;
+    // One evaluation on the edge vectors from a node; `unsure` when cancellation may have hit.
+    static double __geometric_quality1(matrix_fixed<double, 3, 3> const& M, bool& unsure) noexcept;
+    // Edge vectors of even permutation `index` (0 to 11) of the three nodes and `origin`.
+    template <class Coords>
+    static void get_loc_coordinates(Coords const& coords, unsigned const* nodes,
+                                    vector_fixed<double, 3> const& origin, unsigned index,
+                                    matrix_fixed<double, 3, 3>& M) noexcept;
 };
 
 // What pyramids, wedges and hexahedra share: faces kept as FACES columns, edges as EDGES pairs,
@@ -323,6 +351,14 @@ struct pyramid5 : __tabled_solid<pyramid5> {
     {
         return __compare_mixed_faces(a, c);
     }
+
+    // Shape quality from the smallest base corner extent, times the base warp in `warp`.
+    template <class Coords>
+    static double geometric_quality(Coords const& coords, unsigned const* nodes, double& warp) noexcept;
+    template <class Coords>
+    static double __geometric_quality1(Coords const& coords, unsigned const* nodes) noexcept;
+    template <class Coords>
+    static double __min_tet_extent(Coords const& coords, unsigned const* nodes) noexcept;
 };
 
 struct wedge6 : __tabled_solid<wedge6> {
@@ -343,6 +379,12 @@ struct wedge6 : __tabled_solid<wedge6> {
     {
         return __compare_mixed_faces(a, c);
     }
+
+    // Shape quality from the worst corner, or from the split into face pyramids around the
+    // centroid when that is worse; `warp` is the worst face warp.
+    static double geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept;
+    static double sum_sqr_sides(dense2D<double> const& coords, unsigned const* nodes) noexcept;
+    static double min_split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp) noexcept;
 };
 
 struct hexa8 : __tabled_solid<hexa8> {
@@ -383,6 +425,13 @@ struct hexa8 : __tabled_solid<hexa8> {
         b = NODE_NODES[node][1];
         c = NODE_NODES[node][2];
     }
+
+    // As wedge6: the worst corner, or the split around the centroid when that is worse.
+    static double geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept;
+    static double sum_sqr_sides(dense2D<double> const& coords, unsigned const* nodes) noexcept;
+    static double min_split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp) noexcept;
+    static double __min_tet_extent(dense2D<double> const& coords, unsigned const* nodes) noexcept;
+    static double __tet_extent(dense2D<double> const& coords, unsigned const* nodes, unsigned corner) noexcept;
 };
 
 // Tetrahedra, pyramids, wedges and hexahedra in eight rows; a shorter solid fills its spare rows
@@ -447,6 +496,9 @@ struct solid_mix {
     {
         return __compare_mixed_faces(a, c);
     }
+
+    // The quality of the column's kind.
+    static double geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept;
 };
 
 }  // namespace elfes

@@ -67,6 +67,11 @@ TEST(Dense2D, ResizeWithFillSetsOnlyNewElements)
     ASSERT_TRUE(n.resize(4, 2, 5u));
     EXPECT_EQ(n(3, 1), 5u);
     EXPECT_EQ(n(1, 1), 11u);
+    // More rows and fewer columns at once: only the kept column is filled, nothing beyond it.
+    dense2D<unsigned> w = numbered(2, 3);
+    ASSERT_TRUE(w.resize(4, 1, 7u));
+    EXPECT_EQ(w(0, 0), 0u);
+    EXPECT_EQ(w(3, 0), 7u);
 }
 
 TEST(Dense2D, CopyOnSharedBlockGivesIndependentArrays)
