@@ -190,7 +190,9 @@ TEST(MeshRoundTrip, NastranCardsPassedOverAreCountedByName)
         "passed_over.bdf", "$ head\nBEGIN BULK\nMAT1,1\nPSHELL,1\nPSHELL,2\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\n"
                            "GRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\nCTRIA3,2,1,1,2\nENDDATA\nFORCE,9\n");
     mesh m;
-    io_report r = read_mesh(path, m);
+    io_options faithful;
+    faithful.faithful = true;
+    io_report r = read_mesh(path, m, faithful);
     ASSERT_TRUE(r) << r.message;
     EXPECT_EQ(r.elements, 1u);
     std::vector<std::pair<std::string, std::size_t>> passed;
