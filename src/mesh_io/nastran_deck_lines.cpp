@@ -6,6 +6,8 @@
 #include <cctype>
 #include <cstring>
 
+#include <sys/stat.h>
+
 namespace qv7 {
 namespace tessarium {
 namespace {
@@ -209,6 +211,11 @@ bool __nastran_deck::include(__nastran_card const& card, std::string& why)
     }
     std::size_t slash = d.path->find_last_of('/');
     std::string path = name[0] == '/' || slash == std::string::npos ? name : d.path->substr(0, slash + 1) + name;
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        why = "the INCLUDE file \"" + path + "\" cannot be read (missing, or not a plain file)";
+        return false;
+    }
     auto included = std::make_unique<deck>();
     included->text = __file_text(path);
     if (included->text.empty()) {
