@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t max_include_depth = 16;
 
-char upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
+char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
 bool starts_with_word(std::string_view text, char const* word)
 {
@@ -125,25 +125,21 @@ void __nastran_deck::add_fields(line const& l, bool first, __nastran_card& card)
         for (bool last = false; !last; ++k) {
             std::size_t end = text.find(',', at);
             if (end == std::string_view::npos) end = text.size(), last = true;
-            if (k % (slots + 1) != slots) {
-                card.fields.emplace_back(static_cast<std::uint32_t>(card.text.size()),
-                                         static_cast<std::uint32_t>(end - at));
-                card.text.append(text.data() + at, end - at);
-            }
+            if (k % (slots + 1) != slots) card.fields.push_back(text.substr(at, end - at));
             at = end + 1;
         }
-        while (card.fields.size() % slots != 0) card.fields.emplace_back(0u, 0u);
+        while (card.fields.size() % slots != 0) card.fields.emplace_back();
         return;
     }
-    if (text.find('\t') != std::string_view::npos) {
-        expanded_.clear();
+    if (std::memchr(text.data(), '\t', text.size())) {
+        std::string& expanded = card.expanded.emplace_back();
         for (char c : text) {
             if (c != '\t')
-                expanded_ += c;
+                expanded += c;
             else
-                expanded_.append(8 - expanded_.size() % 8, ' ');
+                expanded.append(8 - expanded.size() % 8, ' ');
         }
-        text = expanded_;
+        text = expanded;
     }
     std::string_view name = text.substr(0, std::min<std::size_t>(8, text.size()));
     while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
@@ -155,9 +151,8 @@ void __nastran_deck::add_fields(line const& l, bool first, __nastran_card& card)
     }
     std::size_t width = large ? 16 : 8;
     for (std::size_t k = 0; k < 64 / width; ++k) {
-        std::size_t at = std::min(text.size(), 8 + k * width), end = std::min(text.size(), at + width);
-        card.fields.emplace_back(static_cast<std::uint32_t>(card.text.size()), static_cast<std::uint32_t>(end - at));
-        card.text.append(text.data() + at, end - at);
+        std::size_t at = std::min(text.size(), 8 + k * width);
+        card.fields.push_back(text.substr(at, std::min(width, text.size() - at)));
     }
 }
 
@@ -169,8 +164,8 @@ bool __nastran_deck::next(__nastran_card& card)
         if (!is_continuation(l.text)) break;
         ++stray_;
     }
-    card.text.clear();
     card.fields.clear();
+    card.expanded.clear();
     card.line = l.number;
     card.start = l.start;
     card.file = open_.back()->path;

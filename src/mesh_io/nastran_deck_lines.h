@@ -18,17 +18,16 @@ namespace tessarium {
 // all its lines (8 per small-field line, 4 per large-field line; continuation marks left out).
 struct __nastran_card {
     std::string name;
-    std::string text;
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> fields;  // start and size in text
-    std::size_t line = 0;               // of the first line
-    std::size_t start = 0;              // offset of the first line in its deck
-    std::string const* file = nullptr;  // the deck's path
+    std::vector<std::string_view> fields;  // into the deck's text, or into `expanded`
+    std::deque<std::string> expanded;       // lines with tabs, taken to columns
+    std::size_t line = 0;                   // of the first line
+    std::size_t start = 0;                  // offset of the first line in its deck
+    std::string const* file = nullptr;      // the deck's path
 
     // Field k (from 1), blanks kept; empty past the last one.
     std::string_view field(std::size_t k) const noexcept
     {
-        if (k == 0 || k > fields.size()) return {};
-        return std::string_view(text).substr(fields[k - 1].first, fields[k - 1].second);
+        return k == 0 || k > fields.size() ? std::string_view() : fields[k - 1];
     }
 };
 
@@ -65,7 +64,6 @@ private:
     line pending_;
     bool has_pending_ = false;
     std::size_t stray_ = 0;
-    std::string expanded_;
 };
 
 }  // namespace tessarium

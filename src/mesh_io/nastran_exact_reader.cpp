@@ -96,11 +96,8 @@ struct reader {
 bool integer_field(__nastran_card const& card, std::size_t k, std::int64_t& v, std::int64_t blank)
 {
     std::string_view f = card.field(k);
-    char const* b = f.data();
-    char const* e = b + f.size();
-    __trim(b, e);
-    if (b == e) return v = blank, true;
-    return __parse_integer(b, e, v);
+    if (f.find_first_not_of(' ') == std::string_view::npos) return v = blank, true;
+    return __parse_integer(f.data(), f.data() + f.size(), v);
 }
 
 bool real_field(__nastran_card const& card, std::size_t k, double& v)
@@ -165,23 +162,41 @@ int read_element(reader& d, __nastran_card const& card, element_card const& c)
     return 0;
 }
 
+enum class card_kind { grid, frame, include, element, begin, other };
+
+card_kind kind_of(std::string const& name, element_card const*& element)
+{
+    element = nullptr;
+    if (name == "GRID") return card_kind::grid;
+    if (name == "CORD2R" || name == "CORD2C" || name == "CORD2S") return card_kind::frame;
+    if (name == "INCLUDE") return card_kind::include;
+    if ((element = find_element_card(name))) return card_kind::element;
+    return name.compare(0, 5, "BEGIN") == 0 ? card_kind::begin : card_kind::other;
+}
+
 int read_cards(reader& d, std::string text)
 {
     __nastran_deck deck(d.path, std::move(text));
     __nastran_card card;
+    // Decks list cards of one kind in long runs: the last name's kind is kept.
+    std::string last_name;
+    card_kind kind = card_kind::other;
+    element_card const* element = nullptr;
     while (deck.next(card)) {
+        if (card.name != last_name) last_name = card.name, kind = kind_of(card.name, element);
         int code = 0;
-        if (card.name == "GRID")
-            code = read_grid(d, card);
-        else if (card.name == "CORD2R" || card.name == "CORD2C" || card.name == "CORD2S")
-            code = read_frame(d, card);
-        else if (card.name == "INCLUDE") {
+        switch (kind) {
+        case card_kind::grid: code = read_grid(d, card); break;
+        case card_kind::frame: code = read_frame(d, card); break;
+        case card_kind::element: code = read_element(d, card, *element); break;
+        case card_kind::include: {
             std::string why;
             if (!deck.include(card, why)) return d.fail(card, why);
-        } else if (element_card const* c = find_element_card(card.name))
-            code = read_element(d, card, *c);
-        else if (card.name.compare(0, 5, "BEGIN") != 0)
-            __pass_over(d.r, card.name + " cards", 1);
+            break;
+        }
+        case card_kind::begin: break;
+        case card_kind::other: __pass_over(d.r, card.name + " cards", 1); break;
+        }
         if (code < 0) return code;
     }
     __pass_over(d.r, "continuation lines without a card", deck.stray_continuations());

@@ -46,11 +46,19 @@ bool __parse_real(char const* b, char const* e, double& value) noexcept
 
 bool __parse_integer(char const* b, char const* e, std::int64_t& value) noexcept
 {
-    __trim(b, e);
-    if (b != e && *b == '+') ++b;
-    if (b == e) return false;
-    std::from_chars_result got = std::from_chars(b, e, value);
-    return got.ec == std::errc() && got.ptr == e;
+    while (b != e && is_blank(*b)) ++b;
+    while (e != b && is_blank(e[-1])) --e;
+    bool negative = b != e && *b == '-';
+    if (b != e && (*b == '+' || *b == '-')) ++b;
+    if (b == e || e - b > 18) return false;  // 18 digits cannot overflow
+    std::int64_t v = 0;
+    for (; b != e; ++b) {
+        unsigned digit = static_cast<unsigned>(*b - '0');
+        if (digit > 9) return false;
+        v = 10 * v + digit;
+    }
+    value = negative ? -v : v;
+    return true;
 }
 
 }  // namespace tessarium

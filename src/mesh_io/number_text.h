@@ -15,7 +15,7 @@ void __trim(char const*& b, char const*& e) noexcept;
 bool __parse_real(char const* b, char const* e, double& value) noexcept;
 
 // An integer in [b, e), blanks around it allowed, an optional sign. False for an empty field,
-// any other text, or a value out of range.
+// any other text, or more than 18 digits.
 bool __parse_integer(char const* b, char const* e, std::int64_t& value) noexcept;
 
 }  // namespace tessarium

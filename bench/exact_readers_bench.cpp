@@ -1,0 +1,132 @@
+// The exact readers of read_mesh on files of about a million tetrahedra, against one pass of
+// std::from_chars over the same numbers and against the format functions (faithful option).
+// bench/exact_readers_meshio.py times meshio on the same files.
+#include "box_mesh.h"
+#include "tessarium/tessarium.h"
+
+#include <benchmark/benchmark.h>
+
+#include <charconv>
+#include <cstdio>
+#include <string>
+
+using namespace qv7;
+using namespace qv7::tessarium;
+
+namespace {
+
+constexpr unsigned n = 55;  // 55^3 cubes of six tetrahedra: 998250
+
+mesh const& tetrahedra()
+{
+    static mesh m = [] {
+        mesh made;
+        unsigned p = n + 1;
+        made.pos.resize(3, std::size_t(p) * p * p);
+        for (std::size_t c = 0; c < made.pos.cols(); ++c) {
+            made.pos(0, c) = 0.1 * (c % p) + 1e-7;
+            made.pos(1, c) = 0.1 * (c / p % p) / 3.0;
+            made.pos(2, c) = -0.1 * (c / (std::size_t(p) * p));
+        }
+        element_block b;
+        b.type = ET_TETRA4;
+        b.connect = make_box(n, true, false);
+        made.blocks.push_back(b);
+        return made;
+    }();
+    return m;
+}
+
+std::string path(char const* name) { return std::string("/tmp/tessarium_bench_exact_") + name; }
+
+// Small field, IDs left-justified, as meshing programs write decks.
+std::string const& small_field_deck()
+{
+    static std::string const file = [] {
+        std::string f = path("small.bdf");
+        std::FILE* out = std::fopen(f.c_str(), "w");
+        mesh const& m = tetrahedra();
+        std::fprintf(out, "BEGIN BULK\n");
+        for (std::size_t j = 0; j < m.nbr_nodes(); ++j)
+            std::fprintf(out, "GRID    %-8zu        %-8.5g%-8.5g%-8.5g\n", j + 1, m.pos(0, j), m.pos(1, j), m.pos(2, j));
+        dense2D<unsigned> const& t = m.blocks[0].connect;
+        for (std::size_t e = 0; e < t.cols(); ++e)
+            std::fprintf(out, "CTETRA  %-8zu1       %-8u%-8u%-8u%-8u\n", e + 1, t(0, e) + 1, t(2, e) + 1, t(1, e) + 1,
+                         t(3, e) + 1);
+        std::fprintf(out, "ENDDATA\n");
+        std::fclose(out);
+        return f;
+    }();
+    return file;
+}
+
+// The free-field deck of the portable writer.
+std::string const& free_field_deck()
+{
+    static std::string const file = [] {
+        std::string f = path("free.bdf");
+        write_mesh(f, tetrahedra());
+        return f;
+    }();
+    return file;
+}
+
+std::string const& deck(int form) { return form == 0 ? small_field_deck() : free_field_deck(); }
+
+void read_exact(benchmark::State& state)
+{
+    for (auto _ : state) {
+        mesh m;
+        if (!read_mesh(deck(state.range(0)), m) || m.nbr_elements() != 6u * n * n * n)
+            state.SkipWithError("read_mesh failed");
+    }
+}
+
+void read_faithful(benchmark::State& state)
+{
+    io_options faithful;
+    faithful.faithful = true;
+    for (auto _ : state) {
+        mesh m;
+        if (!read_mesh(deck(state.range(0)), m, faithful)) state.SkipWithError("read_mesh failed");
+    }
+}
+
+// The file read whole, then every number in it (between blanks, commas or the 8-column cuts of
+// the small-field deck) through std::from_chars.
+void from_chars_pass(benchmark::State& state)
+{
+    for (auto _ : state) {
+        std::FILE* in = std::fopen(deck(state.range(0)).c_str(), "rb");
+        std::string text;
+        char chunk[1 << 16];
+        for (std::size_t got; (got = std::fread(chunk, 1, sizeof chunk, in)) > 0;) text.append(chunk, got);
+        std::fclose(in);
+        double sum = 0.0;
+        std::size_t count = 0;
+        for (std::size_t at = 0, end; at < text.size(); at = end + 1) {
+            end = text.find('\n', at);
+            if (end == std::string::npos) end = text.size();
+            bool free = state.range(0) == 1;
+            for (std::size_t f = at + 8; f < end;) {
+                std::size_t stop = free ? text.find(',', f) : f + 8;
+                if (stop == std::string::npos || stop > end) stop = end;
+                char const* b = text.data() + f;
+                while (b < text.data() + stop && *b == ' ') ++b;
+                double v;
+                if (std::from_chars(b, text.data() + stop, v).ec == std::errc()) sum += v, ++count;
+                f = stop + 1 - !free;
+            }
+        }
+        benchmark::DoNotOptimize(sum);
+        state.counters["numbers"] = static_cast<double>(count);
+    }
+}
+
+}  // namespace
+
+BENCHMARK(read_exact)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(read_faithful)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(from_chars_pass)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();
