@@ -73,7 +73,9 @@ TEST(MeshBadFiles, RefusedWithAMessageAndAnEmptyMesh)
         {write_file("stl.neu", stl_text), io_malformed, "not a FEMAP neutral file"},
         {write_file("bad_face.obj", "v 0 0 0\nv 1 0 0\nf 1 2 3\n"), io_malformed,
          "element 1 (FACE_T3) refers to node 3, but there are 2 nodes"},
-        {write_file("bad_vertex.obj", "v 0 0\n"), io_malformed, "malformed"},
+        {write_file("bad_vertex.obj", "v 0 0\n"), io_malformed, "line 1: a vertex needs three numbers"},
+        {write_file("bad_relative.obj", "v 0 0 0\nv 1 0 0\nf -1 -2 -3\n"), io_malformed,
+         "line 3: vertex -3 does not exist (2 so far)"},
     };
     for (bad const& b : table) {
         mesh m = every_type();
