@@ -12,7 +12,7 @@ constexpr __format_entry formats[] = {
     {"Wavefront OBJ", {".obj"}, __read_OBJ_exact, __write_OBJ, __write_OBJ_faithful, __read_OBJ},
     {"NASTRAN", {".bdf", ".nas", ".dat"}, __read_NASTRAN_exact, __write_NASTRAN, __write_NASTRAN_faithful,
      __read_NASTRAN},
-    {"FEMAP neutral", {".neu"}, __read_FEMAP, __write_FEMAP, __write_FEMAP_faithful},
+    {"FEMAP neutral", {".neu"}, __read_FEMAP_exact, __write_FEMAP, __write_FEMAP_faithful, __read_FEMAP},
     {"Medit", {".mesh"}, nullptr, __write_medit, __write_medit_faithful},
     {"Medit solution", {".sol"}, nullptr, __write_medit_sol, __write_medit_sol_faithful},
     {"VTK legacy", {".vtk"}, nullptr, __write_VTK, __write_VTK_faithful},

@@ -77,6 +77,7 @@ void __count_written(io_report& r, mesh const& m, bool (*keeps)(element_type));
 int __read_NASTRAN(std::string const& path, mesh& m, io_report& r);
 int __read_NASTRAN_exact(std::string const& path, mesh& m, io_report& r);
 int __read_FEMAP(std::string const& path, mesh& m, io_report& r);
+int __read_FEMAP_exact(std::string const& path, mesh& m, io_report& r);
 int __read_STL(std::string const& path, mesh& m, io_report& r);
 int __read_OBJ(std::string const& path, mesh& m, io_report& r);
 int __read_OBJ_exact(std::string const& path, mesh& m, io_report& r);

@@ -4,6 +4,7 @@
 #include "mesh_io/file_text.h"
 #include "mesh_io/mesh_io.h"
 #include "mesh_io/nastran_deck_lines.h"
+#include "mesh_io/node_index.h"
 #include "mesh_io/number_text.h"
 
 #include <algorithm>
@@ -272,54 +273,23 @@ std::string place(std::map<std::int64_t, frame>& frames, std::int64_t ID, frame&
 
 // ---- the mesh ----
 
-// Node IDs to columns: a table indexed by ID when the IDs are dense enough, else a sorted list.
-struct node_index {
-    std::vector<unsigned> table;
-    std::vector<std::pair<std::int64_t, unsigned>> sorted;
-
-    unsigned operator()(std::int64_t ID) const
-    {
-        if (!table.empty()) return ID >= 0 && static_cast<std::size_t>(ID) < table.size() ? table[ID] : NONE_ID;
-        auto it = std::lower_bound(sorted.begin(), sorted.end(), std::make_pair(ID, 0u));
-        return it != sorted.end() && it->first == ID ? it->second : NONE_ID;
-    }
-};
-
 // Fills pos and node_IDs, and the index; a repeated ID keeps its first GRID card.
-int place_nodes(reader& d, mesh& m, node_index& index)
+int place_nodes(reader& d, mesh& m, __node_index& index)
 {
     std::vector<grid>& grids = d.grids;
-    std::int64_t largest = 0;
-    for (grid const& g : grids) largest = std::max(largest, g.ID);
     std::size_t n = grids.size();
-    if (static_cast<std::uint64_t>(largest) <= 4 * n + 1024) {
-        index.table.assign(static_cast<std::size_t>(largest) + 1, NONE_ID);
-        std::size_t kept = 0;
-        for (grid const& g : grids)
-            if (index.table[g.ID] == NONE_ID) index.table[g.ID] = static_cast<unsigned>(kept), grids[kept++] = g;
-        grids.resize(kept);
-    } else {
-        index.sorted.reserve(n);
-        for (std::size_t j = 0; j < n; ++j) index.sorted.emplace_back(grids[j].ID, static_cast<unsigned>(j));
-        std::stable_sort(index.sorted.begin(), index.sorted.end(),
-                         [](auto const& a, auto const& b) { return a.first < b.first; });
-        std::vector<char> keep(n, 0);
-        std::size_t unique = 0;
-        for (std::size_t k = 0; k < n; ++k)
-            if (k == 0 || index.sorted[k].first != index.sorted[k - 1].first)
-                keep[index.sorted[k].second] = 1, index.sorted[unique++] = index.sorted[k];
-        index.sorted.resize(unique);
-        std::vector<unsigned> column(n, NONE_ID);
-        std::size_t kept = 0;
-        for (std::size_t j = 0; j < n; ++j)
-            if (keep[j]) column[j] = static_cast<unsigned>(kept), grids[kept++] = grids[j];
-        grids.resize(kept);
-        for (auto& s : index.sorted) s.second = column[s.second];
-    }
+    std::vector<std::int64_t> IDs(n);
+    std::vector<char> keep;
+    for (std::size_t j = 0; j < n; ++j) IDs[j] = grids[j].ID;
+    index.build(IDs, keep);
+    std::size_t kept = 0;
+    for (std::size_t j = 0; j < n; ++j)
+        if (keep[j]) grids[kept++] = grids[j];
+    grids.resize(kept);
     __pass_over(d.r, "GRID cards repeating a node ID", n - grids.size());
     n = grids.size();
     if (n > 0xFFFFFFFEu) return __fail(d.r, io_malformed, d.path, "more nodes than 32-bit columns can number");
-    bool IDs_fit = largest <= 0xFFFFFFFFLL;
+    bool IDs_fit = index.largest() <= 0xFFFFFFFFLL;
     if (!m.pos.resize(3, n) || (IDs_fit && !m.node_IDs.resize(n)))
         return __fail(d.r, io_no_memory, d.path, "not enough memory for " + std::to_string(n) + " nodes");
     if (!IDs_fit) __pass_over(d.r, "node IDs above 4294967295 (nodes numbered in file order)", n);
@@ -343,7 +313,7 @@ int place_nodes(reader& d, mesh& m, node_index& index)
     return 0;
 }
 
-int place_elements(reader& d, mesh& m, node_index const& index)
+int place_elements(reader& d, mesh& m, __node_index const& index)
 {
     for (element_type type : d.type_order) {
         elements_of_type& e = d.elements[type];
@@ -383,7 +353,7 @@ int __read_NASTRAN_exact(std::string const& path, mesh& m, io_report& r)
     if (code < 0) return code;
     if (d.grids.empty() && d.type_order.empty())
         return __fail(r, io_malformed, path, "no GRID or element card: not a NASTRAN deck");
-    node_index index;
+    __node_index index;
     code = place_nodes(d, m, index);
     if (code < 0) return code;
     return place_elements(d, m, index);
