@@ -57,6 +57,11 @@ bool femap_type(element_type t)
            t == ET_HEXA8 || t == ET_HEXA20;
 }
 bool obj_type(element_type t) { return t == ET_FACE_T3 || t == ET_FACE_Q4; }
+bool medit_type(element_type t)
+{
+    return t == ET_EDGE2 || t == ET_FACE_T3 || t == ET_FACE_Q4 || t == ET_TETRA4 || t == ET_PYRAMID5 ||
+           t == ET_WEDGE6 || t == ET_HEXA8;
+}
 
 }  // namespace
 
@@ -66,7 +71,8 @@ TEST(MeshRoundTrip, NumberedFormatsKeepEveryTypeTheyHold)
         char const* extension;
         bool (*keeps)(element_type);
     };
-    for (format f : {format{".bdf", nastran_type}, format{".neu", femap_type}, format{".obj", obj_type}}) {
+    for (format f : {format{".bdf", nastran_type}, format{".neu", femap_type}, format{".obj", obj_type},
+                     format{".mesh", medit_type}}) {
         mesh written = every_type(), read;
         std::string path = temp_path(std::string("every_type") + f.extension);
         io_report w = write_mesh(path, written);
