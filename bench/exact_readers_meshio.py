@@ -6,7 +6,8 @@ import time
 
 import meshio
 
-for name in sys.argv[1:] or ["/tmp/tessarium_bench_exact_small.bdf", "/tmp/tessarium_bench_exact_free.bdf"]:
+DEFAULT = ["small.bdf", "free.bdf", "obj.obj", "mesh.mesh"]
+for name in sys.argv[1:] or ["/tmp/tessarium_bench_exact_" + f for f in DEFAULT]:
     times = []
     for _ in range(3):
         start = time.perf_counter()
