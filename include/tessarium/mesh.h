@@ -20,7 +20,8 @@ namespace qv7 {
 namespace tessarium {
 
 // Elements of one pure type: one column per element, nbr_nodes(type) rows of zero-based node
-// columns in the library's local order.
+// columns in the library's local order. The blocks read_mesh gives may be views on one array
+// (nothing is copied): `copy` a block's arrays before growing them.
 struct element_block {
     element_type type = ET_NONE;
     dense2D<unsigned> connect;

@@ -13,6 +13,11 @@
 #include <sstream>
 #include <vector>
 
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace qv7 {
 namespace tessarium {
 namespace {
@@ -99,34 +104,32 @@ struct card_tally {
 
 // Counts the cards of the bulk section the format function passes over, by name, and the element
 // cards it does not take (another node count, the large-field form); false when the deck has no
-// ENDDATA line. The file goes by in chunks; only the start of each line is looked at.
+// ENDDATA line. The file is mapped, not read again; only the start of each line is looked at.
 bool count_passed_over(std::string const& path, std::size_t elements_read, io_report& r)
 {
-    std::FILE* in = std::fopen(path.c_str(), "rb");
-    if (!in) return false;
-    std::vector<char> buffer(1 << 20);
-    std::size_t kept = 0;
-    bool bulk = false, done = false, ended = false;
+    int fd = open(path.c_str(), O_RDONLY);
+    if (fd < 0) return false;
+    struct stat status;
+    bool sized = fstat(fd, &status) == 0 && status.st_size > 0;
+    std::size_t size = sized ? static_cast<std::size_t>(status.st_size) : 0;
+    void* map = sized ? mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0) : MAP_FAILED;
+    close(fd);
+    if (map == MAP_FAILED) return false;
+    char const* text = static_cast<char const*>(map);
+    std::size_t at = 0;
+    bool bulk = false, ended = false;
     card_tally tally;
-    while (!done) {
-        std::size_t got = std::fread(buffer.data() + kept, 1, buffer.size() - kept, in);
-        std::size_t end = kept + got, at = 0;
-        if (got == 0) buffer[end++] = '\n', done = true;  // the last line, without its line feed
-        for (char* feed; !ended && (feed = static_cast<char*>(std::memchr(buffer.data() + at, '\n', end - at)));) {
-            char const* line = buffer.data() + at;
-            std::size_t length = static_cast<std::size_t>(feed - line);
-            at += length + 1;
-            if (!bulk)
-                bulk = std::string(line, length).find("BEGIN BULK") != std::string::npos;
-            else if (length != 0 && std::isalpha(static_cast<unsigned char>(line[0])))
-                ended = tally.take(line, length, r) == card_tally::end;
-        }
-        done = done || ended;
-        kept = end - at;
-        if (kept == buffer.size()) kept = 0;  // a line longer than the buffer is not a card start
-        std::memmove(buffer.data(), buffer.data() + at, kept);
+    while (at < size && !ended) {
+        char const* line = text + at;
+        char const* feed = static_cast<char const*>(std::memchr(line, '\n', size - at));
+        std::size_t length = feed ? static_cast<std::size_t>(feed - line) : size - at;
+        at += length + 1;
+        if (!bulk)
+            bulk = std::string(line, length).find("BEGIN BULK") != std::string::npos;
+        else if (length != 0 && std::isalpha(static_cast<unsigned char>(line[0])))
+            ended = tally.take(line, length, r) == card_tally::end;
     }
-    std::fclose(in);
+    munmap(map, size);
     if (tally.element_cards > elements_read)
         __pass_over(r, "element cards of another node count or in large field", tally.element_cards - elements_read);
     return ended;

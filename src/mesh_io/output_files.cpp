@@ -22,11 +22,18 @@ std::string temp_template(std::string const& final_path)
 
 std::string reason() { return std::strerror(errno); }
 
-// mkstemp makes files only the owner may read; the final file gets what fopen would give it.
+// mkstemp makes files only the owner may read; the final file gets what fopen would give it. The
+// mask is read, not set and reset, so that other threads never see it changed.
 void usual_mode(int fd)
 {
-    mode_t mask = umask(0);
-    umask(mask);
+    mode_t mask = 022;
+    if (std::FILE* status = std::fopen("/proc/self/status", "r")) {
+        char line[128];
+        unsigned value;
+        while (std::fgets(line, sizeof line, status))
+            if (std::sscanf(line, "Umask: %o", &value) == 1) mask = static_cast<mode_t>(value);
+        std::fclose(status);
+    }
     fchmod(fd, 0666 & ~mask);
 }
 
