@@ -108,7 +108,7 @@ struct io_report {
 };
 
 struct io_options {
-    bool faithful = false;  // write with the format functions (their exact bytes and limits)
+    bool faithful = false;  // read and write with the format functions (their exact bytes and limits)
     bool binary = false;    // STL: the binary form
 };
 

@@ -15,6 +15,11 @@ std::string __file_text(std::string const& path, std::size_t tail)
         long size = std::ftell(in);
         std::fseek(in, size > static_cast<long>(tail) ? size - static_cast<long>(tail) : 0, SEEK_SET);
     }
+    if (tail == 0 && std::fseek(in, 0, SEEK_END) == 0) {
+        long size = std::ftell(in);
+        if (size > 0) text.reserve(static_cast<std::size_t>(size));
+        std::rewind(in);
+    }
     char chunk[1 << 16];
     for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, in)) > 0;) text.append(chunk, n);
     std::fclose(in);

@@ -50,13 +50,14 @@ using __mesh_writer = int (*)(__output_files& files, std::string const& path, me
                               io_options const& options, io_report& r);
 
 // One format: its extensions (lower case) and its functions; a null reader is a format without
-// one yet.
+// one yet. The faithful reader, when there is one, reads through the format function.
 struct __format_entry {
     char const* name;
     char const* extensions[3];
     __mesh_reader read;
     __mesh_writer write;           // portable
     __mesh_writer write_faithful;  // through the format function
+    __mesh_reader read_faithful = nullptr;
 };
 
 // The entry of the path's extension, in any case; null when none fits.
@@ -74,9 +75,13 @@ void __count_written(io_report& r, mesh const& m, bool (*keeps)(element_type));
 
 // ---- readers ----
 int __read_NASTRAN(std::string const& path, mesh& m, io_report& r);
+int __read_NASTRAN_exact(std::string const& path, mesh& m, io_report& r);
 int __read_FEMAP(std::string const& path, mesh& m, io_report& r);
+int __read_FEMAP_exact(std::string const& path, mesh& m, io_report& r);
 int __read_STL(std::string const& path, mesh& m, io_report& r);
 int __read_OBJ(std::string const& path, mesh& m, io_report& r);
+int __read_OBJ_exact(std::string const& path, mesh& m, io_report& r);
+int __read_medit(std::string const& path, mesh& m, io_report& r);
 
 // ---- writers ----
 int __write_VTK(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);

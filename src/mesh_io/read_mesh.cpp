@@ -10,7 +10,7 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-int read_checked(std::string const& file, mesh& m, io_report& r)
+int read_checked(std::string const& file, mesh& m, bool faithful, io_report& r)
 {
     struct stat status;
     if (stat(file.c_str(), &status) != 0)
@@ -27,7 +27,8 @@ int read_checked(std::string const& file, mesh& m, io_report& r)
     if (!probe) return __fail(r, io_cannot_open, file, std::string("cannot be opened (") + std::strerror(errno) + ")");
     std::fclose(probe);
     if (status.st_size == 0) return __fail(r, io_malformed, file, "is empty");
-    int code = format->read(file, m, r);
+    __mesh_reader read = faithful && format->read_faithful ? format->read_faithful : format->read;
+    int code = read(file, m, r);
     if (code < 0) return code;
     code = __check_elements(file, m, r, "element", io_malformed);
     if (code < 0) return code;
@@ -38,14 +39,14 @@ int read_checked(std::string const& file, mesh& m, io_report& r)
 
 }  // namespace
 
-io_report read_mesh(char const* path, mesh& m, io_options const&)
+io_report read_mesh(char const* path, mesh& m, io_options const& options)
 {
     io_report r;
     m.clear();
     mesh read;
     if (!path || !*path)
         __fail(r, io_cannot_open, "(no name)", "no file name given");
-    else if (read_checked(path, read, r) >= 0)
+    else if (read_checked(path, read, options.faithful, r) >= 0)
         m = std::move(read);
     return r;
 }

@@ -57,6 +57,11 @@ bool femap_type(element_type t)
            t == ET_HEXA8 || t == ET_HEXA20;
 }
 bool obj_type(element_type t) { return t == ET_FACE_T3 || t == ET_FACE_Q4; }
+bool medit_type(element_type t)
+{
+    return t == ET_EDGE2 || t == ET_FACE_T3 || t == ET_FACE_Q4 || t == ET_TETRA4 || t == ET_PYRAMID5 ||
+           t == ET_WEDGE6 || t == ET_HEXA8;
+}
 
 }  // namespace
 
@@ -66,7 +71,8 @@ TEST(MeshRoundTrip, NumberedFormatsKeepEveryTypeTheyHold)
         char const* extension;
         bool (*keeps)(element_type);
     };
-    for (format f : {format{".bdf", nastran_type}, format{".neu", femap_type}, format{".obj", obj_type}}) {
+    for (format f : {format{".bdf", nastran_type}, format{".neu", femap_type}, format{".obj", obj_type},
+                     format{".mesh", medit_type}}) {
         mesh written = every_type(), read;
         std::string path = temp_path(std::string("every_type") + f.extension);
         io_report w = write_mesh(path, written);
@@ -190,7 +196,9 @@ TEST(MeshRoundTrip, NastranCardsPassedOverAreCountedByName)
         "passed_over.bdf", "$ head\nBEGIN BULK\nMAT1,1\nPSHELL,1\nPSHELL,2\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\n"
                            "GRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\nCTRIA3,2,1,1,2\nENDDATA\nFORCE,9\n");
     mesh m;
-    io_report r = read_mesh(path, m);
+    io_options faithful;
+    faithful.faithful = true;
+    io_report r = read_mesh(path, m, faithful);
     ASSERT_TRUE(r) << r.message;
     EXPECT_EQ(r.elements, 1u);
     std::vector<std::pair<std::string, std::size_t>> passed;
