@@ -6,6 +6,7 @@
 #include "tessarium/index_utilities.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 namespace qv7 {
@@ -51,6 +52,14 @@ bool ranks(IDs const& list, std::size_t n, IDs& rank)
 // not depend on the structure that finds them. A cell lists its nodes by rank, so its scan ends at
 // its first hit, or at a rank no better than the best so far.
 template <unsigned D>
+bool all_finite(double const* p)
+{
+    for (unsigned k = 0; k < D; ++k)
+        if (!std::isfinite(p[k])) return false;
+    return true;
+}
+
+template <unsigned D>
 unsigned lowest_ranked_neighbour(dense2D<double> const& pos, __cell_grid<D> const& grid, unsigned i, double tol,
                                  IDs const& rank)
 {
@@ -58,6 +67,9 @@ unsigned lowest_ranked_neighbour(dense2D<double> const& pos, __cell_grid<D> cons
     double box[2 * D];
     __box_around<D>(p, tol, box);
     double tol_squared = tol * tol;
+    // An infinite or NaN coordinate puts every distance from i at infinity or NaN, never within a
+    // finite tol; skipping the scan keeps a crowd of such nodes from being searched pair by pair.
+    if (tol_squared <= DBL_MAX && !all_finite<D>(p)) return NONE_ID;
     unsigned best = NONE_ID;
     grid.for_each_candidate(box, box + D, [&](unsigned c) {
         if (c == i) return true;
