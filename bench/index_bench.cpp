@@ -1,5 +1,6 @@
 // Distinct nodes and counting sort on a 10M-entry tetrahedral connectivity, beside a plain
 // bit-vector pass over the same entries and a comparison sort giving the same order.
+#include "tet_box.h"
 #include "tessarium/index_utilities.h"
 
 #include <benchmark/benchmark.h>
@@ -16,30 +17,7 @@ using IDs = qv7::dense1D<unsigned, 8>;
 constexpr unsigned cubes_per_side = 75;  // 6 tetrahedra per cube: 10.1M entries, 439k nodes
 
 // Tetrahedra of a structured cube grid; node numbers lexicographic or, if shuffled, random.
-qv7::dense2D<unsigned> make_tetra_mesh(bool shuffled)
-{
-    unsigned const n = cubes_per_side, p = n + 1;
-    std::vector<unsigned> number(std::size_t(p) * p * p);
-    std::iota(number.begin(), number.end(), 0u);
-    if (shuffled) std::shuffle(number.begin(), number.end(), std::mt19937(1));
-    static unsigned const tets[6][4] = {{0, 1, 3, 7}, {0, 1, 5, 7}, {0, 2, 3, 7},
-                                        {0, 2, 6, 7}, {0, 4, 5, 7}, {0, 4, 6, 7}};
-    qv7::dense2D<unsigned> connect;
-    connect.resize(4, std::size_t(n) * n * n * 6);
-    std::size_t e = 0;
-    for (unsigned k = 0; k < n; ++k)
-        for (unsigned j = 0; j < n; ++j)
-            for (unsigned i = 0; i < n; ++i)
-                for (auto const& tet : tets) {
-                    for (unsigned r = 0; r < 4; ++r) {
-                        unsigned c = tet[r];
-                        std::size_t node = (i + (c & 1)) + p * ((j + (c >> 1 & 1)) + std::size_t(p) * (k + (c >> 2)));
-                        connect(r, e) = number[node];
-                    }
-                    ++e;
-                }
-    return connect;
-}
+qv7::dense2D<unsigned> make_tetra_mesh(bool shuffled) { return tet_box(cubes_per_side, shuffled); }
 
 qv7::dense2D<unsigned> const& mesh(bool shuffled)
 {
