@@ -26,7 +26,7 @@ namespace {
 using qv7::dense2D;
 using qv7::NONE_ID;
 
-constexpr unsigned tet_cubes = 55;   // 6 tetrahedra per cube: 998,250 elements
+constexpr unsigned tet_cubes = 55;    // 6 tetrahedra per cube: 998,250 elements
 constexpr unsigned hexa_cubes = 100;  // 1,000,000 elements
 
 dense2D<unsigned> const& mesh(bool tetrahedra, bool shuffled)

@@ -139,10 +139,9 @@ void BM_edge_qualities(benchmark::State& state)
     int edges = 0;
     for (auto _ : state) {
         qv7::misc::histogram hist;
-        edges = state.range(1) ? qv7::tessarium::edge_qualities(box.pos, box.connect, qv7::ET_TETRA4, box.tensors,
-                                                                 hist, none)
-                               : qv7::tessarium::edge_qualities(box.pos, box.connect, qv7::ET_TETRA4, box.sizes,
-                                                                 hist, none);
+        edges = state.range(1)
+                    ? qv7::tessarium::edge_qualities(box.pos, box.connect, qv7::ET_TETRA4, box.tensors, hist, none)
+                    : qv7::tessarium::edge_qualities(box.pos, box.connect, qv7::ET_TETRA4, box.sizes, hist, none);
         benchmark::DoNotOptimize(hist.sum());
     }
     set_edge_rate(state, edges);
@@ -167,7 +166,10 @@ void BM_H_shock(benchmark::State& state)
 
 BENCHMARK(BM_sort_unique_baseline)->ArgName("shuffled")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_copy_edges)->ArgName("shuffled")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_edge_qualities)->ArgNames({"shuffled", "tensors"})->ArgsProduct({{0, 1}, {0, 1}})->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_edge_qualities)
+    ->ArgNames({"shuffled", "tensors"})
+    ->ArgsProduct({{0, 1}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_H_shock)->ArgNames({"shuffled", "tensors"})->ArgsProduct({{0, 1}, {0, 1}})->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

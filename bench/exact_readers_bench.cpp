@@ -38,7 +38,10 @@ mesh const& tetrahedra()
     return m;
 }
 
-std::string path(char const* name) { return std::string("/tmp/tessarium_bench_exact_") + name; }
+std::string path(char const* name)
+{
+    return std::string("/tmp/tessarium_bench_exact_") + name;
+}
 
 // Small field, IDs left-justified, as meshing programs write decks.
 std::string const& small_field_deck()
@@ -49,7 +52,8 @@ std::string const& small_field_deck()
         mesh const& m = tetrahedra();
         std::fprintf(out, "BEGIN BULK\n");
         for (std::size_t j = 0; j < m.nbr_nodes(); ++j)
-            std::fprintf(out, "GRID    %-8zu        %-8.5g%-8.5g%-8.5g\n", j + 1, m.pos(0, j), m.pos(1, j), m.pos(2, j));
+            std::fprintf(out, "GRID    %-8zu        %-8.5g%-8.5g%-8.5g\n", j + 1, m.pos(0, j), m.pos(1, j),
+                         m.pos(2, j));
         dense2D<unsigned> const& t = m.blocks[0].connect;
         for (std::size_t e = 0; e < t.cols(); ++e)
             std::fprintf(out, "CTETRA  %-8zu1       %-8u%-8u%-8u%-8u\n", e + 1, t(0, e) + 1, t(2, e) + 1, t(1, e) + 1,
@@ -111,11 +115,11 @@ struct bench_file {
     std::size_t elements;
 };
 bench_file const files[] = {
-    {small_field_deck, columns, 6u * n * n * n},
-    {free_field_deck, commas, 6u * n * n * n},
+    {small_field_deck, columns, 6u * n* n* n},
+    {free_field_deck, commas, 6u * n* n* n},
     {[]() -> std::string const& { return written("obj.obj", triangles()); }, blanks, 999698},
-    {[]() -> std::string const& { return written("neu.neu", tetrahedra()); }, commas, 6u * n * n * n},
-    {[]() -> std::string const& { return written("mesh.mesh", tetrahedra()); }, blanks, 6u * n * n * n},
+    {[]() -> std::string const& { return written("neu.neu", tetrahedra()); }, commas, 6u * n* n* n},
+    {[]() -> std::string const& { return written("mesh.mesh", tetrahedra()); }, blanks, 6u * n* n* n},
 };
 
 void read_exact(benchmark::State& state)

@@ -91,8 +91,14 @@ void run_exported(benchmark::State& state, Metrics const& start)
     state.counters["peak_B_per_node"] = peak / N;
 }
 
-void BM_gradation_iso(benchmark::State& state) { run_exported(state, mesh(unsigned(state.range(0))).sizes); }
-void BM_gradation_aniso(benchmark::State& state) { run_exported(state, mesh(unsigned(state.range(0))).tensors); }
+void BM_gradation_iso(benchmark::State& state)
+{
+    run_exported(state, mesh(unsigned(state.range(0))).sizes);
+}
+void BM_gradation_aniso(benchmark::State& state)
+{
+    run_exported(state, mesh(unsigned(state.range(0))).tensors);
+}
 
 // The same run through the minimiser with a queue of our own, for its counts, on the queue of the
 // library or on the previous one: both give the same map, so their times compare the queues.
@@ -117,8 +123,8 @@ void queue_counts(benchmark::State& state, Metrics const& start)
         qv7::tessarium::get_node_graph(b.connect, offsets, targets);
         qv7::H_shock_measure<L> measure;
         queue = Queue();
-        qv7::H_shock_minimiser<qv7::H_shock_measure<L>, manager>(measure).__bound_metrics(
-            b.pos, offsets, targets, ids, status, 0, bound, mgr, queue);
+        qv7::H_shock_minimiser<qv7::H_shock_measure<L>, manager>(measure).__bound_metrics(b.pos, offsets, targets, ids,
+                                                                                          status, 0, bound, mgr, queue);
         state.PauseTiming();
         peak = std::max(peak, 1024.0 * double(status_kb("VmHWM:") - before));
         state.ResumeTiming();
@@ -165,7 +171,8 @@ void BM_relaxation_iso(benchmark::State& state)
             for (std::size_t i = 0; i + 1 < offsets.size(); ++i)
                 for (unsigned p = offsets[i]; p < offsets[i + 1]; ++p) {
                     unsigned j = targets[p];
-                    double dx = b.pos(0, j) - b.pos(0, i), dy = b.pos(1, j) - b.pos(1, i), dz = b.pos(2, j) - b.pos(2, i);
+                    double dx = b.pos(0, j) - b.pos(0, i), dy = b.pos(1, j) - b.pos(1, i),
+                           dz = b.pos(2, j) - b.pos(2, i);
                     double limit = h[i] + std::sqrt(dx * dx + dy * dy + dz * dz) * step;
                     if (h[j] > limit) h[j] = limit, changed = true;
                 }

@@ -17,7 +17,10 @@ using IDs = qv7::dense1D<unsigned, 8>;
 constexpr unsigned cubes_per_side = 75;  // 6 tetrahedra per cube: 10.1M entries, 439k nodes
 
 // Tetrahedra of a structured cube grid; node numbers lexicographic or, if shuffled, random.
-qv7::dense2D<unsigned> make_tetra_mesh(bool shuffled) { return tet_box(cubes_per_side, shuffled); }
+qv7::dense2D<unsigned> make_tetra_mesh(bool shuffled)
+{
+    return tet_box(cubes_per_side, shuffled);
+}
 
 qv7::dense2D<unsigned> const& mesh(bool shuffled)
 {

@@ -26,7 +26,8 @@ mesh const& grid(bool solid)
         m.pos(1, c) = 0.1 * (c / p % p) / 3.0;
         m.pos(2, c) = -0.1 * (c / (std::size_t(p) * p));
     }
-    static unsigned const tets[6][4] = {{0, 1, 3, 7}, {0, 1, 7, 5}, {0, 4, 5, 7}, {0, 2, 7, 3}, {0, 2, 6, 7}, {0, 4, 7, 6}};
+    static unsigned const tets[6][4] = {{0, 1, 3, 7}, {0, 1, 7, 5}, {0, 4, 5, 7},
+                                        {0, 2, 7, 3}, {0, 2, 6, 7}, {0, 4, 7, 6}};
     static unsigned const tris[2][4] = {{0, 1, 3}, {0, 3, 2}};
     element_block b;
     b.type = solid ? ET_TETRA4 : ET_FACE_T3;
@@ -43,7 +44,10 @@ mesh const& grid(bool solid)
     return m;
 }
 
-std::string path(std::string const& name) { return "/tmp/tessarium_bench_mesh_io" + name; }
+std::string path(std::string const& name)
+{
+    return "/tmp/tessarium_bench_mesh_io" + name;
+}
 
 std::string const& deck()
 {
@@ -88,7 +92,7 @@ void write(benchmark::State& state, char const* extension, bool solid, bool fait
     std::remove(file.c_str());
 }
 
-#define WRITER_PAIR(name, extension, solid)                                                             \
+#define WRITER_PAIR(name, extension, solid)                                                           \
     BENCHMARK_CAPTURE(write, name##_faithful, extension, solid, true)->Unit(benchmark::kMillisecond); \
     BENCHMARK_CAPTURE(write, name##_portable, extension, solid, false)->Unit(benchmark::kMillisecond)
 

@@ -54,9 +54,17 @@ std::vector<metric_anisotropic<D>> random_metrics(unsigned seed)
 }
 
 template <unsigned D>
-std::vector<metric_anisotropic<D>> const& first() { static auto m = random_metrics<D>(1); return m; }
+std::vector<metric_anisotropic<D>> const& first()
+{
+    static auto m = random_metrics<D>(1);
+    return m;
+}
 template <unsigned D>
-std::vector<metric_anisotropic<D>> const& second() { static auto m = random_metrics<D>(2); return m; }
+std::vector<metric_anisotropic<D>> const& second()
+{
+    static auto m = random_metrics<D>(2);
+    return m;
+}
 
 // Runs op(M1, M2) over the pool of pairs; one call per iteration.
 template <unsigned D, class Op>

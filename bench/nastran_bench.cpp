@@ -58,7 +58,10 @@ tet_mesh const& mesh()
     return m;
 }
 
-std::string bench_path(char const* name) { return std::string("/tmp/tessarium_bench_") + name; }
+std::string bench_path(char const* name)
+{
+    return std::string("/tmp/tessarium_bench_") + name;
+}
 
 std::size_t file_size(std::string const& path)
 {
@@ -115,8 +118,14 @@ void read_deck(benchmark::State& state, std::string const& path)
     state.counters["new_per_1k_cards"] = 1000.0 * double(allocations) / double(mesh().tets.cols());
 }
 
-void BM_NASTRAN_read_free(benchmark::State& state) { read_deck(state, free_deck()); }
-void BM_NASTRAN_read_small(benchmark::State& state) { read_deck(state, small_deck()); }
+void BM_NASTRAN_read_free(benchmark::State& state)
+{
+    read_deck(state, free_deck());
+}
+void BM_NASTRAN_read_small(benchmark::State& state)
+{
+    read_deck(state, small_deck());
+}
 
 void BM_NASTRAN_write_free(benchmark::State& state)
 {
@@ -129,7 +138,10 @@ void BM_NASTRAN_write_free(benchmark::State& state)
 }
 
 // meshio, run by Debian's Python; the script prints the seconds of the timed step alone.
-bool has_meshio() { return std::system("/usr/bin/python3 -c 'import meshio' >/dev/null 2>&1") == 0; }
+bool has_meshio()
+{
+    return std::system("/usr/bin/python3 -c 'import meshio' >/dev/null 2>&1") == 0;
+}
 
 double python_seconds(std::string const& script)
 {

@@ -70,8 +70,14 @@ void run(benchmark::State& state, unsigned n, qv7::element_type type)
     state.counters["inverted"] = inverted;
 }
 
-void BM_shape_qualities_tetra(benchmark::State& state) { run(state, tet_cubes, qv7::ET_TETRA4); }
-void BM_shape_qualities_hexa(benchmark::State& state) { run(state, hexa_cubes, qv7::ET_HEXA8); }
+void BM_shape_qualities_tetra(benchmark::State& state)
+{
+    run(state, tet_cubes, qv7::ET_TETRA4);
+}
+void BM_shape_qualities_hexa(benchmark::State& state)
+{
+    run(state, hexa_cubes, qv7::ET_HEXA8);
+}
 
 }  // namespace
 

@@ -56,8 +56,7 @@ dense2D<double> const& ordered_cloud()
         std::vector<std::pair<std::uint64_t, unsigned>> keyed(n_points);
         for (unsigned j = 0; j < n_points; ++j) {
             std::uint64_t code = 0;
-            for (int k = 0; k < 3; ++k)
-                code |= spread(std::uint64_t(std::min(src(k, j), 1.0) * ((1 << 20) - 1))) << k;
+            for (int k = 0; k < 3; ++k) code |= spread(std::uint64_t(std::min(src(k, j), 1.0) * ((1 << 20) - 1))) << k;
             keyed[j] = {code, j};
         }
         std::sort(keyed.begin(), keyed.end());
@@ -73,8 +72,8 @@ dense2D<double> const& ordered_cloud()
 // Cells of a uniform grid, as sorted 63-bit keys with the nodes of each cell contiguous.
 struct grid {
     double origin[3], inv_h;
-    std::vector<std::uint64_t> keys;   // distinct cell keys, sorted
-    std::vector<unsigned> start;       // nodes of cell c: order[start[c] .. start[c + 1])
+    std::vector<std::uint64_t> keys;  // distinct cell keys, sorted
+    std::vector<unsigned> start;      // nodes of cell c: order[start[c] .. start[c + 1])
     std::vector<unsigned> order;
 
     static std::uint64_t key(std::int64_t x, std::int64_t y, std::int64_t z)
@@ -226,7 +225,10 @@ void BM_merge_grid_baseline(benchmark::State& state)
 }
 
 // state.range(0): 0 for random numbering, 1 for Morton numbering.
-dense2D<double> const& points(benchmark::State const& state) { return state.range(0) ? ordered_cloud() : cloud(); }
+dense2D<double> const& points(benchmark::State const& state)
+{
+    return state.range(0) ? ordered_cloud() : cloud();
+}
 
 void BM_detector_build_and_query(benchmark::State& state)
 {

@@ -83,8 +83,14 @@ void read_and_weld(benchmark::State& state, std::string const& path)
     state.counters["triangles"] = double(triangles);
 }
 
-void BM_STL_input_binary_1M(benchmark::State& state) { read_and_weld(state, binary_1M()); }
-void BM_STL_input_text_200k(benchmark::State& state) { read_and_weld(state, text_200k()); }
+void BM_STL_input_binary_1M(benchmark::State& state)
+{
+    read_and_weld(state, binary_1M());
+}
+void BM_STL_input_text_200k(benchmark::State& state)
+{
+    read_and_weld(state, text_200k());
+}
 
 // The forms alone, to show what the welding costs.
 void read_form(benchmark::State& state, std::string const& path, int (*form)(std::FILE*, tessarium::__STL_soup&))
@@ -100,8 +106,14 @@ void read_form(benchmark::State& state, std::string const& path, int (*form)(std
     }
 }
 
-void BM_STL_binary_form_1M(benchmark::State& state) { read_form(state, binary_1M(), tessarium::__STL_read_binary); }
-void BM_STL_text_form_200k(benchmark::State& state) { read_form(state, text_200k(), tessarium::__STL_read_text); }
+void BM_STL_binary_form_1M(benchmark::State& state)
+{
+    read_form(state, binary_1M(), tessarium::__STL_read_binary);
+}
+void BM_STL_text_form_200k(benchmark::State& state)
+{
+    read_form(state, text_200k(), tessarium::__STL_read_text);
+}
 
 // The welding alone, on a copy of the 1M-facet soup made outside the timing.
 void BM_STL_weld_1M(benchmark::State& state)
@@ -229,8 +241,8 @@ int report_peak(char const* path)
     dense2D<unsigned> T3;
     int r = tessarium::STL_input(path, pos, T3);
     long after = peak_kib();
-    std::printf("STL_input %s: result %d, %zu nodes, %zu triangles, peak %.1f MiB above the %.1f MiB at start\n",
-                path, r, pos.cols(), T3.cols(), (after - before) / 1024.0, before / 1024.0);
+    std::printf("STL_input %s: result %d, %zu nodes, %zu triangles, peak %.1f MiB above the %.1f MiB at start\n", path,
+                r, pos.cols(), T3.cols(), (after - before) / 1024.0, before / 1024.0);
     return r == 0 ? 0 : 1;
 }
 

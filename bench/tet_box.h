@@ -26,7 +26,8 @@ inline qv7::dense2D<unsigned> tet_box(unsigned n, bool shuffled)
                 for (unsigned s = 0; s < 6; ++s, ++e)
                     for (unsigned r = 0; r < 4; ++r) {
                         unsigned c = tets[s][r];
-                        connect(r, e) = number[(i + (c & 1)) + p * ((j + (c >> 1 & 1)) + std::size_t(p) * (k + (c >> 2)))];
+                        connect(r, e) =
+                            number[(i + (c & 1)) + p * ((j + (c >> 1 & 1)) + std::size_t(p) * (k + (c >> 2)))];
                     }
     return connect;
 }

@@ -40,9 +40,9 @@ struct tet_mesh {
         for (unsigned k = 0; k < n; ++k)
             for (unsigned j = 0; j < n; ++j)
                 for (unsigned i = 0; i < n; ++i) {
-                    unsigned c[8] = {node(i, j, k),         node(i + 1, j, k),     node(i + 1, j + 1, k),
-                                     node(i, j + 1, k),     node(i, j, k + 1),     node(i + 1, j, k + 1),
-                                     node(i + 1, j + 1, k + 1), node(i, j + 1, k + 1)};
+                    unsigned c[8] = {
+                        node(i, j, k),     node(i + 1, j, k),     node(i + 1, j + 1, k),     node(i, j + 1, k),
+                        node(i, j, k + 1), node(i + 1, j, k + 1), node(i + 1, j + 1, k + 1), node(i, j + 1, k + 1)};
                     for (auto const& t : cut)
                         for (unsigned r = 0; r < 4; ++r) tets(r, e + (&t - cut)) = c[t[r]];
                     e += 6;
@@ -56,7 +56,10 @@ tet_mesh const& mesh()
     return m;
 }
 
-std::string out_path(char const* name) { return std::string("/tmp/tessarium_bench_") + name; }
+std::string out_path(char const* name)
+{
+    return std::string("/tmp/tessarium_bench_") + name;
+}
 
 long file_size(std::string const& path)
 {
@@ -92,7 +95,8 @@ void BM_vtk(benchmark::State& state)
 
 void BM_ensight(benchmark::State& state)
 {
-    run(state, "tets.geo", [](char const* p, tet_mesh const& m) { return ensight_output(p, m.pos, m.tets, ET_TETRA4); });
+    run(state, "tets.geo",
+        [](char const* p, tet_mesh const& m) { return ensight_output(p, m.pos, m.tets, ET_TETRA4); });
 }
 
 // The same Medit bytes through one fprintf per number: the plain formatted write loop.

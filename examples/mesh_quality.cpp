@@ -17,14 +17,22 @@ namespace {
 char const* kind_name(int type)
 {
     switch (type) {
-    case ET_EDGE2: return "edges";
-    case ET_FACE_T3: return "triangles";
-    case ET_FACE_Q4: return "quadrangles";
-    case ET_TETRA4: return "tetrahedra";
-    case ET_PYRAMID5: return "pyramids";
-    case ET_WEDGE6: return "wedges";
-    case ET_HEXA8: return "hexahedra";
-    default: return "higher-order elements";
+    case ET_EDGE2:
+        return "edges";
+    case ET_FACE_T3:
+        return "triangles";
+    case ET_FACE_Q4:
+        return "quadrangles";
+    case ET_TETRA4:
+        return "tetrahedra";
+    case ET_PYRAMID5:
+        return "pyramids";
+    case ET_WEDGE6:
+        return "wedges";
+    case ET_HEXA8:
+        return "hexahedra";
+    default:
+        return "higher-order elements";
     }
 }
 

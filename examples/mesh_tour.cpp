@@ -28,8 +28,7 @@ int main()
     unsigned nodes = static_cast<unsigned>(pos.cols());
     std::printf("tessarium %s\n", tessarium::version());
     std::printf("nodes: %u (%zu coordinates each)\n", nodes, pos.rows());
-    std::printf("hexahedra: %zu, %s\n", hexa.cols(),
-                tessarium::check_IDs(hexa, ET_HEXA8, nodes) ? "valid" : "INVALID");
+    std::printf("hexahedra: %zu, %s\n", hexa.cols(), tessarium::check_IDs(hexa, ET_HEXA8, nodes) ? "valid" : "INVALID");
     std::printf("mixed faces: %zu, %s\n", skin.cols(),
                 tessarium::check_IDs(skin, ET_FACE_MIX, nodes) ? "valid" : "INVALID");
 

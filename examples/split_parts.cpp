@@ -78,7 +78,8 @@ int main(int argc, char** argv)
     if (code == 0) code = tessarium::get_subdomains(connectM, neighbors, offsets);
     bool solid = tessarium::element_dim(type) == 3;
     if (code == 0 && solid) code = tessarium::get_mesh_boundaries(connectM, neighbors, type, skin);
-    if (code == 0 && solid) code = tessarium::get_mesh_bounding_elements(connectM, neighbors, type, skin_elements, stride);
+    if (code == 0 && solid)
+        code = tessarium::get_mesh_bounding_elements(connectM, neighbors, type, skin_elements, stride);
     if (code != 0) {
         std::fprintf(stderr, "%s: connectivity failed (%d)\n", input.c_str(), code);
         return 1;

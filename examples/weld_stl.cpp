@@ -52,8 +52,10 @@ int main(int argc, char** argv)
 
     bool ok = report("STL", prefix + ".stl", tessarium::STL_output((prefix + ".stl").c_str(), pos, triangles, false));
     ok = report("OBJ", prefix + ".obj",
-                tessarium::WavefrontOBJ_output((prefix + ".obj").c_str(), pos, triangles, ET_FACE_T3)) && ok;
+                tessarium::WavefrontOBJ_output((prefix + ".obj").c_str(), pos, triangles, ET_FACE_T3)) &&
+         ok;
     ok = report("Medit", prefix + ".mesh",
-                tessarium::medit_output((prefix + ".mesh").c_str(), pos, triangles, ET_FACE_T3)) && ok;
+                tessarium::medit_output((prefix + ".mesh").c_str(), pos, triangles, ET_FACE_T3)) &&
+         ok;
     return ok ? 0 : 1;
 }

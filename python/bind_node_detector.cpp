@@ -30,8 +30,8 @@ struct detector {
             py::gil_scoped_release nogil;
             r = pos.empty() ? 0 : tree.reinit(pos);
         }
-        raise_if_failed(r, "NodeDetector", {{-1, "points of other than 2 or 3 coordinates"},
-                                            {-2, "a node index beyond the points"}});
+        raise_if_failed(r, "NodeDetector",
+                        {{-1, "points of other than 2 or 3 coordinates"}, {-2, "a node index beyond the points"}});
     }
 
     template <unsigned D>

@@ -55,9 +55,10 @@ py::array free_faces(ids_t const& cells, int type_value, ids_t const& nb)
     element_type type = as_type(type_value);
     dense2D<unsigned> connect = borrow2D(cells), neighbors = borrow2D(nb), faces;
     int r = without_gil([&] { return get_mesh_boundaries(connect, neighbors, type, faces); });
-    raise_if_failed(r, "free_faces", {{-1, "cells do not fit the element type"},
-                                      {-2, "neighbors do not fit the cells"},
-                                      {-3, "unsupported element type"}});
+    raise_if_failed(r, "free_faces",
+                    {{-1, "cells do not fit the element type"},
+                     {-2, "neighbors do not fit the cells"},
+                     {-3, "unsupported element type"}});
     return to_numpy(faces, nbr_nodes_of_boundaries(__narrow(type, connect.rows())));
 }
 
@@ -68,8 +69,9 @@ py::tuple free_face_ids(ids_t const& cells, int type_value, ids_t const& nb)
     dense1D<unsigned, 8> ids;
     unsigned stride = 0;
     int r = without_gil([&] { return get_mesh_bounding_elements(connect, neighbors, type, ids, stride); });
-    raise_if_failed(r, "free_face_ids", {{-1, "cells do not fit the element type"},
-                                         {-2, "unsupported element type, or neighbors do not fit the cells"}});
+    raise_if_failed(r, "free_face_ids",
+                    {{-1, "cells do not fit the element type"},
+                     {-2, "unsupported element type, or neighbors do not fit the cells"}});
     return py::make_tuple(to_numpy(ids), stride);
 }
 
@@ -85,11 +87,12 @@ py::tuple skin_owners(ids_t const& skin, ids_t const& cells, int type_value, ids
         r = get_ancestors(connect, ancestors);
         if (r == 0) r = get_elements_on_boundaries(faces, connect, neighbors, ancestors, type, ids, stride);
     }
-    raise_if_failed(r, "skin_owners", {{-1, "faces do not fit the element type"},
-                                       {-2, "cells do not fit the element type"},
-                                       {-3, "neighbors do not fit the cells"},
-                                       {-4, "a face names a node that no cell uses"},
-                                       {-5, "unsupported element type"}});
+    raise_if_failed(r, "skin_owners",
+                    {{-1, "faces do not fit the element type"},
+                     {-2, "cells do not fit the element type"},
+                     {-3, "neighbors do not fit the cells"},
+                     {-4, "a face names a node that no cell uses"},
+                     {-5, "unsupported element type"}});
     return py::make_tuple(to_numpy(ids), stride);
 }
 
@@ -135,10 +138,11 @@ py::array size_map(points_t const& points, ids_t const& cells, int type_value, d
         r = metrics_gen_iso(pos, connect, type, sizes, power);
         if (r == 0 && sizes.size() < pos.cols() && !sizes.push_back_n(0.0, pos.cols() - sizes.size())) r = -199;
     }
-    raise_if_failed(r, "size_map", {{-1, "cells of a higher dimension than the points"},
-                                    {-2, "cells name nodes beyond the points"},
-                                    {-3, "unsupported element type (linear elements only)"},
-                                    {-5, "negative power"}});
+    raise_if_failed(r, "size_map",
+                    {{-1, "cells of a higher dimension than the points"},
+                     {-2, "cells name nodes beyond the points"},
+                     {-3, "unsupported element type (linear elements only)"},
+                     {-5, "negative power"}});
     return to_numpy(sizes);
 }
 
@@ -151,9 +155,10 @@ py::dict edge_lengths(points_t const& points, ids_t const& cells, int type_value
     dense1D<double, 8> metrics = borrow1D(sizes);
     misc::histogram hist(std::move(bin_edges));
     int r = without_gil([&] { return edge_qualities(pos, connect, type, metrics, hist, excluded); });
-    raise_if_failed(r, "edge_lengths", {{-1, "points of other than 2 or 3 coordinates"},
-                                        {-2, "cells name nodes beyond the points"},
-                                        {-4, "an edge end has no valid size"}});
+    raise_if_failed(r, "edge_lengths",
+                    {{-1, "points of other than 2 or 3 coordinates"},
+                     {-2, "cells name nodes beyond the points"},
+                     {-4, "an edge end has no valid size"}});
     std::vector<std::size_t> counts(hist.bin_count());
     for (std::size_t i = 0; i < counts.size(); ++i) counts[i] = hist.bin(i);
     py::dict d;
@@ -173,8 +178,8 @@ py::array h_shock(points_t const& points, ids_t const& edge_array, c_array<doubl
     dense2D<unsigned> e = borrow2D(edge_array);
     dense1D<double, 8> metrics = borrow1D(sizes), vals;
     int r = without_gil([&] { return H_shock(pos, e, metrics, vals); });
-    raise_if_failed(r, "h_shock", {{-1, "points of other than 2 or 3 coordinates"},
-                                   {-2, "edges name nodes beyond the points"}});
+    raise_if_failed(r, "h_shock",
+                    {{-1, "points of other than 2 or 3 coordinates"}, {-2, "edges name nodes beyond the points"}});
     return to_numpy(vals);
 }
 
@@ -203,11 +208,12 @@ py::tuple bound_gradation(points_t const& points, ids_t const& cells, int type_v
     }
     int r = without_gil(
         [&] { return bound_metric_gradations(pos, connect, type, list, frozen, direction, bound, metrics); });
-    raise_if_failed(r, "bound_gradation", {{-1, "points of other than 2 or 3 coordinates"},
-                                           {-2, "cells do not fit the element type or the points"},
-                                           {-4, "a listed node beyond the points"},
-                                           {-7, "negative bound"},
-                                           {-8, "sizes of the wrong shape for the points"}});
+    raise_if_failed(r, "bound_gradation",
+                    {{-1, "points of other than 2 or 3 coordinates"},
+                     {-2, "cells do not fit the element type or the points"},
+                     {-4, "a listed node beyond the points"},
+                     {-7, "negative bound"},
+                     {-8, "sizes of the wrong shape for the points"}});
     if constexpr (std::is_same<Sizes, dense2D<double>>::value)
         return py::make_tuple(to_numpy(metrics, sizes.shape(1)), r);
     else
@@ -221,8 +227,7 @@ py::array merge_nodes(points_t const& points, double tol)
     if (all.size() != pos.cols()) throw std::bad_alloc();
     std::iota(all.begin(), all.end(), 0u);
     int r = without_gil([&] { return merge(pos, all, survivors, tol); });
-    raise_if_failed(r, "merge_nodes", {{-1, "points of other than 2 or 3 coordinates"},
-                                       {-4, "negative tolerance"}});
+    raise_if_failed(r, "merge_nodes", {{-1, "points of other than 2 or 3 coordinates"}, {-4, "negative tolerance"}});
     return to_numpy(survivors);
 }
 

@@ -5,6 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
 scripts/install_deps.sh
+scripts/check_format.sh  # the house style of .clang-format, on every C++ file
 werror=$([ "${CI:-}" = true ] && echo ON || echo OFF)
 
 cmake -S . -B build -DCMAKE_BUILD_TYPE=Release -DTESSARIUM_WERROR="$werror"

@@ -32,7 +32,10 @@ void flatten(std::vector<double>& out, dense1D<T, 8> const& a)
     out.insert(out.end(), a.begin(), a.end());
 }
 
-void flatten(std::vector<double>& out, double x) { out.push_back(x); }
+void flatten(std::vector<double>& out, double x)
+{
+    out.push_back(x);
+}
 
 template <class T>
 void flatten(std::vector<double>& out, dense2D<T> const& M)
@@ -100,12 +103,16 @@ void grid(dense2D<double>& pos, dense2D<unsigned>& T3, std::size_t rows = 3)
     }
 }
 
-std::string seed(char const* file) { return std::string(TESSARIUM_SOURCE_DIR) + "/fuzz/corpus/" + file; }
+std::string seed(char const* file)
+{
+    return std::string(TESSARIUM_SOURCE_DIR) + "/fuzz/corpus/" + file;
+}
 
 // Elements only, in two groups: a neutral file with nodes ends at its node block with -199.
 std::string femap_two_groups()
 {
-    std::string text = "   -1\n404\n", rest = "0,0,0,0,0,0,0,0,0,0,\n0.,0.,0.,0,0,0,0,0,0,\n0.,0.,0.,\n0.,0.,0.,\n0,0\n";
+    std::string text = "   -1\n404\n",
+                rest = "0,0,0,0,0,0,0,0,0,0,\n0.,0.,0.,0,0,0,0,0,0,\n0.,0.,0.,\n0.,0.,0.,\n0,0\n";
     char const* records[] = {"1,1,1,17,4,1,0\n1,2,3,4,0,0,0,0,0,0,\n", "2,1,1,17,4,1,0\n2,3,4,5,0,0,0,0,0,0,\n",
                              "3,1,1,17,2,1,0\n1,2,3,0,0,0,0,0,0,0,\n"};
     for (char const* r : records) text += r + rest;
@@ -163,10 +170,18 @@ TEST(AllocationSweep, CopiesOfMeshes)
     using copier = std::function<int(dense2D<double>&, dense2D<unsigned>&, dense2D<unsigned> const&)>;
     copier const copies[] = {
         [](auto& pos, auto& M, auto const& T3) { return copy_mesh(pos, M, T3); },
-        [](auto& pos, auto& M, auto const& T3) { return copy_mesh(pos, M, vec2{1, 0}, vec2{0, 0}, 0.5, 3, T3); },
-        [](auto& pos, auto& M, auto const& T3) { return copy_mesh(pos, M, vec3{1, 0, 0}, vec3{}, vec3{0, 0, 1}, 3, T3); },
-        [](auto& pos, auto& M, auto const& T3) { return copy_sym_mesh(pos, M, vec2{0, 1}, vec2{0, 1}, T3); },
-        [](auto& pos, auto& M, auto const& T3) { return copy_sym_mesh(pos, M, vec3{0, 0, 1}, vec3{0, 0, 1}, T3); },
+        [](auto& pos, auto& M, auto const& T3) {
+            return copy_mesh(pos, M, vec2{1, 0}, vec2{0, 0}, 0.5, 3, T3);
+        },
+        [](auto& pos, auto& M, auto const& T3) {
+            return copy_mesh(pos, M, vec3{1, 0, 0}, vec3{}, vec3{0, 0, 1}, 3, T3);
+        },
+        [](auto& pos, auto& M, auto const& T3) {
+            return copy_sym_mesh(pos, M, vec2{0, 1}, vec2{0, 1}, T3);
+        },
+        [](auto& pos, auto& M, auto const& T3) {
+            return copy_sym_mesh(pos, M, vec3{0, 0, 1}, vec3{0, 0, 1}, T3);
+        },
     };
     for (std::size_t rows : {2, 3})
         for (copier const& copy : copies)
@@ -238,8 +253,8 @@ TEST(AllocationSweep, Connectivity)
     // Quadrangles and triangles mixed, with one empty column that is dropped.
     dense2D<unsigned> mixed;
     mixed.resize(4, 5);
-    unsigned const entries[] = {0, 1, 5, NONE_ID, 0, 1, 5, 4, NONE_ID, NONE_ID, NONE_ID, NONE_ID, 1, 2, 6, NONE_ID,
-                                2, 3, 7, 6};
+    unsigned const entries[] = {0,       1,       5, NONE_ID, 0, 1,       5, 4, NONE_ID, NONE_ID,
+                                NONE_ID, NONE_ID, 1, 2,       6, NONE_ID, 2, 3, 7,       6};
     std::copy(std::begin(entries), std::end(entries), mixed.data());
     sweep("sort_elfes", reported, [&](auto arm) {
         dense2D<unsigned> M, companion;

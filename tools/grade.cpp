@@ -21,8 +21,7 @@ std::string read_sizes(std::string const& path, std::size_t nodes, dense1D<doubl
     std::ifstream in(path);
     if (!in) return "cannot be opened";
     std::ostringstream text;
-    for (std::string line; std::getline(in, line);)
-        text << line.substr(0, line.find('#')) << '\n';
+    for (std::string line; std::getline(in, line);) text << line.substr(0, line.find('#')) << '\n';
     std::istringstream words(text.str());
     std::string word;
     while (words >> word && word != "SolAtVertices") {
@@ -31,11 +30,11 @@ std::string read_sizes(std::string const& path, std::size_t nodes, dense1D<doubl
     int kind = 0;
     if (!(words >> n >> kinds >> kind)) return "no SolAtVertices section";
     if (kinds != 1 || kind != 1) return "the size map must be one scalar per vertex";
-    if (n != nodes)
-        return "holds " + std::to_string(n) + " sizes for a mesh of " + std::to_string(nodes) + " nodes";
+    if (n != nodes) return "holds " + std::to_string(n) + " sizes for a mesh of " + std::to_string(nodes) + " nodes";
     if (!sizes.resize(n)) return "not enough memory for the sizes";
     for (std::size_t j = 0; j < n; ++j)
-        if (!(words >> sizes[j]) || !(sizes[j] > 0.0)) return "size " + std::to_string(j + 1) + " is not a positive number";
+        if (!(words >> sizes[j]) || !(sizes[j] > 0.0))
+            return "size " + std::to_string(j + 1) + " is not a positive number";
     return "";
 }
 

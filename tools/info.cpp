@@ -158,8 +158,8 @@ void print_text(summary const& s)
         if (s.by_type[t] != 0) std::printf("  %-20s %zu\n", type_name(static_cast<element_type>(t)), s.by_type[t]);
     if (s.has_box)
         std::printf("  bounding box         [%s, %s] x [%s, %s] x [%s, %s]\n", number(s.lo[0]).c_str(),
-                    number(s.hi[0]).c_str(), number(s.lo[1]).c_str(), number(s.hi[1]).c_str(),
-                    number(s.lo[2]).c_str(), number(s.hi[2]).c_str());
+                    number(s.hi[0]).c_str(), number(s.lo[1]).c_str(), number(s.hi[1]).c_str(), number(s.lo[2]).c_str(),
+                    number(s.hi[2]).c_str());
     for (block_references const& r : s.references) {
         std::printf("  references of %s: %zu distinct:", type_name(r.type), r.distinct);
         for (unsigned v : r.first) std::printf(" %u", v);
@@ -181,7 +181,8 @@ void print_text(summary const& s)
         for (std::size_t k = 0; k < 11; ++k)
             if (s.quality.bins[k] != 0) std::printf("    %-8s %zu\n", bin_label(k), s.quality.bins[k]);
     }
-    for (io_count const& c : s.read.passed_over) std::printf("  passed over          %zu %s\n", c.count, c.what.c_str());
+    for (io_count const& c : s.read.passed_over)
+        std::printf("  passed over          %zu %s\n", c.count, c.what.c_str());
 }
 
 std::string quoted(std::string const& text)
@@ -226,18 +227,20 @@ void print_json(summary const& s)
         std::printf("]}");
         sep = ", ";
     }
-    std::printf("],\n \"unused_nodes\": %zu, \"duplicate_nodes\": {\"coincident\": %zu, \"within_tolerance\": %zu, "
-                "\"tolerance\": %.17g},\n",
-                s.unused, s.duplicates_exact, s.duplicates_close, s.tolerance);
+    std::printf(
+        "],\n \"unused_nodes\": %zu, \"duplicate_nodes\": {\"coincident\": %zu, \"within_tolerance\": %zu, "
+        "\"tolerance\": %.17g},\n",
+        s.unused, s.duplicates_exact, s.duplicates_close, s.tolerance);
     if (s.boundary_dim != 0) {
         char const* kind = s.boundary_dim == 2 ? "faces" : "edges";
         std::printf(" \"free_%s\": %zu, \"non_manifold_%s\": %zu, \"pieces\": %zu,\n", kind, s.free, kind,
                     s.non_manifold, s.pieces);
     }
     if (s.quality.measured != 0) {
-        std::printf(" \"inverted\": %zu, \"quality\": {\"min\": %.17g, \"mean\": %.17g, \"histogram\": {", s.quality.inverted,
-                    s.quality.min, s.quality.mean);
-        for (std::size_t k = 0; k < 11; ++k) std::printf("%s\"%s\": %zu", k ? ", " : "", bin_label(k), s.quality.bins[k]);
+        std::printf(" \"inverted\": %zu, \"quality\": {\"min\": %.17g, \"mean\": %.17g, \"histogram\": {",
+                    s.quality.inverted, s.quality.min, s.quality.mean);
+        for (std::size_t k = 0; k < 11; ++k)
+            std::printf("%s\"%s\": %zu", k ? ", " : "", bin_label(k), s.quality.bins[k]);
         std::printf("}},\n");
     }
     std::printf(" \"passed_over\": {");
@@ -257,8 +260,9 @@ void add_info(CLI::App& app, runner& run)
     };
     auto o = std::make_shared<options>();
     CLI::App* c = app.add_subcommand(
-        "info", "What mesh files hold: counts, box, references, duplicate and unused nodes, free and non-manifold "
-                "boundaries, pieces, quality");
+        "info",
+        "What mesh files hold: counts, box, references, duplicate and unused nodes, free and non-manifold "
+        "boundaries, pieces, quality");
     c->add_option("FILE", o->files, "Mesh files to read")->required();
     c->add_flag("--json", o->json, "One JSON object per file (an array for several files)");
     c->footer("Example: tessarium info --json part.stl\n");

@@ -13,11 +13,29 @@ using namespace qv7::tessarium;
 
 char const* type_name(element_type type)
 {
-    static char const* const names[nbr_element_types] = {
-        "none",       "nodes",       "mixed edges", "edges",      "3-node edges",  "mixed faces",
-        "triangles",  "quadrangles", "6-node triangles", "8-node quadrangles", "9-node quadrangles",
-        "mixed solids", "tetrahedra", "10-node tetrahedra", "pyramids", "13-node pyramids", "14-node pyramids",
-        "wedges",     "15-node wedges", "18-node wedges", "hexahedra", "20-node hexahedra", "27-node hexahedra"};
+    static char const* const names[nbr_element_types] = {"none",
+                                                         "nodes",
+                                                         "mixed edges",
+                                                         "edges",
+                                                         "3-node edges",
+                                                         "mixed faces",
+                                                         "triangles",
+                                                         "quadrangles",
+                                                         "6-node triangles",
+                                                         "8-node quadrangles",
+                                                         "9-node quadrangles",
+                                                         "mixed solids",
+                                                         "tetrahedra",
+                                                         "10-node tetrahedra",
+                                                         "pyramids",
+                                                         "13-node pyramids",
+                                                         "14-node pyramids",
+                                                         "wedges",
+                                                         "15-node wedges",
+                                                         "18-node wedges",
+                                                         "hexahedra",
+                                                         "20-node hexahedra",
+                                                         "27-node hexahedra"};
     return type >= 0 && type < static_cast<int>(nbr_element_types) ? names[type] : "unknown";
 }
 
@@ -79,8 +97,9 @@ void add_quality(CLI::App& app, runner& run)
     CLI::App* c = app.add_subcommand("quality", "Shape quality of faces and solids: histogram and worst elements");
     c->add_option("IN", o->in, "Mesh file to read")->required();
     c->add_option("--worst", o->worst, "How many of the worst elements to list (default 10)");
-    c->footer("Quality is 1 for the ideal element, 0 for a flat one, negative for an inverted one.\n"
-              "Example: tessarium quality --worst 5 engine.bdf\n");
+    c->footer(
+        "Quality is 1 for the ideal element, 0 for a flat one, negative for an inverted one.\n"
+        "Example: tessarium quality --worst 5 engine.bdf\n");
     c->callback([&run, o] {
         run = [o]() -> int {
             mesh m;
@@ -103,7 +122,8 @@ void add_quality(CLI::App& app, runner& run)
                 for (std::size_t e = 0; e < q[i].size(); ++e) all.push_back({q[i][e], i, e});
             std::size_t n = std::min(o->worst, all.size());
             std::partial_sort(all.begin(), all.begin() + n, all.end(), [](worst const& a, worst const& b) {
-                return a.q < b.q || (a.q == b.q && (a.block < b.block || (a.block == b.block && a.element < b.element)));
+                return a.q < b.q ||
+                       (a.q == b.q && (a.block < b.block || (a.block == b.block && a.element < b.element)));
             });
             if (n != 0) std::printf("worst elements (number in the file, type, quality):\n");
             for (std::size_t k = 0; k < n; ++k)

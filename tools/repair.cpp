@@ -32,8 +32,8 @@ void add_repair(CLI::App& app, runner& run)
         "repair", "Merge coincident nodes, remove degenerate elements and unused nodes, and say what changed");
     c->add_option("IN", o->in, "Mesh file to read")->required();
     c->add_option("OUT", o->out, "Mesh file to write")->required();
-    CLI::Option* tol = c->add_option("--tol", o->tol, "Merge nodes closer than this distance")
-                           ->check(CLI::NonNegativeNumber);
+    CLI::Option* tol =
+        c->add_option("--tol", o->tol, "Merge nodes closer than this distance")->check(CLI::NonNegativeNumber);
     c->add_option("--rel-tol", o->rel_tol, "Merge distance relative to the bounding-box diagonal (default 1e-6)")
         ->check(CLI::NonNegativeNumber)
         ->excludes(tol);
@@ -69,9 +69,10 @@ void add_repair(CLI::App& app, runner& run)
                 unused = drop_unused_nodes(m);
                 if (unused < 0) return fail(o->in + ": not enough memory to drop the unused nodes");
             }
-            std::printf("merged %d nodes (tolerance %s), removed %d degenerate elements and %ld unused nodes: "
-                        "%zu nodes, %zu elements\n",
-                        merged, number(tol).c_str(), degenerate, unused, m.nbr_nodes(), m.nbr_elements());
+            std::printf(
+                "merged %d nodes (tolerance %s), removed %d degenerate elements and %ld unused nodes: "
+                "%zu nodes, %zu elements\n",
+                merged, number(tol).c_str(), degenerate, unused, m.nbr_nodes(), m.nbr_elements());
             return save(o->out, m);
         };
     });

@@ -16,7 +16,10 @@ namespace {
 
 using vec3 = vector_fixed<double, 3>;
 
-vec3 as_vec(std::vector<double> const& v) { return vec3{v[0], v[1], v[2]}; }
+vec3 as_vec(std::vector<double> const& v)
+{
+    return vec3{v[0], v[1], v[2]};
+}
 
 // Reflects the nodes in the plane through c with normal n (not zero).
 void reflect(dense2D<double>& pos, vec3 const& c, vec3 const& n)
@@ -34,12 +37,17 @@ std::vector<std::pair<int, int>> reorientation(element_type type)
 {
     switch (type) {
     case ET_FACE_T3:
-    case ET_TETRA4: return {{1, 2}};
+    case ET_TETRA4:
+        return {{1, 2}};
     case ET_FACE_Q4:
-    case ET_PYRAMID5: return {{1, 3}};
-    case ET_WEDGE6: return {{1, 2}, {4, 5}};
-    case ET_HEXA8: return {{1, 3}, {5, 7}};
-    default: return {};
+    case ET_PYRAMID5:
+        return {{1, 3}};
+    case ET_WEDGE6:
+        return {{1, 2}, {4, 5}};
+    case ET_HEXA8:
+        return {{1, 3}, {5, 7}};
+    default:
+        return {};
     }
 }
 
@@ -53,8 +61,8 @@ void add_transform(CLI::App& app, runner& run)
         double scale = 1.0;
     };
     auto o = std::make_shared<options>();
-    CLI::App* c = app.add_subcommand(
-        "transform", "Move a mesh: scale, then rotate, then mirror, then translate (each optional)");
+    CLI::App* c =
+        app.add_subcommand("transform", "Move a mesh: scale, then rotate, then mirror, then translate (each optional)");
     c->add_option("IN", o->in, "Mesh file to read")->required();
     c->add_option("OUT", o->out, "Mesh file to write")->required();
     c->add_option("--scale", o->scale, "Scale factor about the centre")->check(CLI::PositiveNumber);
@@ -81,8 +89,7 @@ void add_transform(CLI::App& app, runner& run)
                 rotate(m.pos, C, vec3{axis[0] * angle / length, axis[1] * angle / length, axis[2] * angle / length});
             }
             if (!o->mirror.empty()) {
-                if (m.pos.rows() < 3 && !m.pos.resize(3, m.pos.cols(), 0.0))
-                    return fail(o->in + ": not enough memory");
+                if (m.pos.rows() < 3 && !m.pos.resize(3, m.pos.cols(), 0.0)) return fail(o->in + ": not enough memory");
                 reflect(m.pos, C, as_vec(o->mirror));
                 for (element_block& b : m.blocks) {
                     auto swaps = reorientation(b.type);

@@ -32,8 +32,8 @@ int get_mesh_boundaries(dense2D<unsigned> const& connectM, dense2D<unsigned> con
 
 // Appends the IDs of the free boundaries and sets `stride`. 0; -1 bad connectivity;
 // -2 unsupported type or `neighbors` shape; -199 memory.
-int get_mesh_bounding_elements(dense2D<unsigned> const& connectM, dense2D<unsigned> const& neighbors,
-                               element_type type, dense1D<unsigned, 8>& bounding_elements, unsigned& stride);
+int get_mesh_bounding_elements(dense2D<unsigned> const& connectM, dense2D<unsigned> const& neighbors, element_type type,
+                               dense1D<unsigned, 8>& bounding_elements, unsigned& stride);
 
 // Appends every boundary of every element. 0; -1 bad connectivity; -2 unsupported type or
 // `boundaries` rows; -199 memory.
@@ -46,9 +46,9 @@ int get_element_boundaries(dense2D<unsigned> const& connectM, element_type type,
 // rows; -3 `neighbors`, or a walk that failed after some elements; -4 `ancestors`, or a walk that
 // failed at its seed; -5 unsupported type; -199 memory.
 TESSARIUM_API int get_elements_on_boundaries(dense2D<unsigned> const& boundaries, dense2D<unsigned> const& connectM,
-                                             dense2D<unsigned> const& neighbors,
-                                             dense1D<unsigned, 8> const& ancestors, element_type type,
-                                             dense1D<unsigned, 8>& bounding_elements, unsigned& stride);
+                                             dense2D<unsigned> const& neighbors, dense1D<unsigned, 8> const& ancestors,
+                                             element_type type, dense1D<unsigned, 8>& bounding_elements,
+                                             unsigned& stride);
 
 // The pieces of a mesh that hang together through `neighbors`, in compressed form: piece s is
 // indices[offsets[s]] up to indices[offsets[s + 1] - 1]. Pieces come by their lowest element,

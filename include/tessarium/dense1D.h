@@ -66,8 +66,7 @@ public:
         T copy(value);
         std::size_t needed = size_ + n;
         std::uint64_t cap = storage_->capacity;
-        if (cap - first_ < needed && cap < first_ + needed)
-            storage_->__grow(first_ + needed, first_ + size_, 2);
+        if (cap - first_ < needed && cap < first_ + needed) storage_->__grow(first_ + needed, first_ + size_, 2);
         if (storage_->capacity - first_ < needed) return false;
         T* p = storage_->data + first_ + size_;
         size_ = needed;

@@ -12,7 +12,8 @@ struct full_tag {};
 struct non_symmetric_tag {};
 struct symmetric_tag {};
 template <unsigned N>
-struct fixed_size_tag {};
+struct fixed_size_tag {
+};
 
 template <class T>
 class dense2D : public dense_handle<T> {
@@ -43,10 +44,7 @@ public:
     bool empty() const noexcept { return rows_ == 0 || cols_ == 0; }
 
     T& operator()(std::size_t i, std::size_t j) noexcept { return storage_->data[first_ + i + j * ld_]; }
-    T const& operator()(std::size_t i, std::size_t j) const noexcept
-    {
-        return storage_->data[first_ + i + j * ld_];
-    }
+    T const& operator()(std::size_t i, std::size_t j) const noexcept { return storage_->data[first_ + i + j * ld_]; }
     T* col(std::size_t j) noexcept { return storage_->data + first_ + j * ld_; }
     T const* col(std::size_t j) const noexcept { return storage_->data + first_ + j * ld_; }
     const_segment_type segment(std::size_t j) const noexcept { return {col(j), j, rows_, ld_}; }

@@ -24,8 +24,7 @@ TESSARIUM_API int bound_metric_variations(dense2D<double> const& pos, dense2D<un
                                           dense1D<double, 8>& metrics);
 TESSARIUM_API int bound_metric_variations(dense2D<double> const& pos, dense2D<unsigned> const& connectM,
                                           element_type FE_type, dense1D<unsigned, 8> const& node_list,
-                                          bool list_is_frozen, int direction, double bound,
-                                          dense2D<double>& metrics);
+                                          bool list_is_frozen, int direction, double bound, dense2D<double>& metrics);
 
 // Bounds the H-shock of every edge: the growth of the size per unit of metric length, less 1.
 TESSARIUM_API int bound_metric_gradations(dense2D<double> const& pos, dense2D<unsigned> const& connectM,
@@ -34,8 +33,7 @@ TESSARIUM_API int bound_metric_gradations(dense2D<double> const& pos, dense2D<un
                                           dense1D<double, 8>& metrics);
 TESSARIUM_API int bound_metric_gradations(dense2D<double> const& pos, dense2D<unsigned> const& connectM,
                                           element_type FE_type, dense1D<unsigned, 8> const& node_list,
-                                          bool list_is_frozen, int direction, double bound,
-                                          dense2D<double>& metrics);
+                                          bool list_is_frozen, int direction, double bound, dense2D<double>& metrics);
 
 }  // namespace tessarium
 }  // namespace qv7

@@ -54,8 +54,7 @@ int permutation(dense1D<double, 8>& data, dense1D<unsigned, 8> const& perm);
 
 // Stable counting sort: the positions holding value v are order[offsets[v]] .. order[offsets[v+1]-1],
 // ascending. NONE_ID values are left out. -199 when memory runs out.
-int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order,
-                     dense1D<unsigned, 8>& offsets);
+int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order, dense1D<unsigned, 8>& offsets);
 
 }  // namespace tessarium
 }  // namespace qv7

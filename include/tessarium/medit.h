@@ -16,16 +16,15 @@ namespace tessarium {
 int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const* first,
                  dense2D<unsigned> const* last, dense1D<int, 8> const& FEs);
 // One group, reference 0.
-int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                 element_type FE);
+int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE);
 // Two groups, references 0 and 1.
 int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
                  dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2);
 // The reference of element j is IDs[j]; elements with NONE_ID are left out. Returns 0 at once,
 // without a file, for an empty connectM; -5 when IDs and columns differ in size; -6 when the
 // groups could not be allocated; else as the range form.
-int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                 element_type FE, dense1D<unsigned, 8> const& IDs);
+int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE,
+                 dense1D<unsigned, 8> const& IDs);
 
 // Solution files: one value per entity, eight to a line.
 int medit_scalar(char const* file_name, unsigned dim, dense1D<double, 8> const& values);

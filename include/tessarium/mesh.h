@@ -35,8 +35,8 @@ struct mesh_field {
 };
 
 struct mesh {
-    dense2D<double> pos;               // 2 or 3 rows, one column per node
-    dense1D<unsigned, 8> node_IDs;     // empty (node j is j + 1), or one per node
+    dense2D<double> pos;            // 2 or 3 rows, one column per node
+    dense1D<unsigned, 8> node_IDs;  // empty (node j is j + 1), or one per node
     std::vector<element_block> blocks;
     std::vector<mesh_field> node_fields;
     std::vector<mesh_field> element_fields;
@@ -82,11 +82,11 @@ TESSARIUM_API int add_mixed(mesh& m, dense2D<unsigned> const& connectM, element_
 
 enum io_code : int {
     io_ok = 0,
-    io_cannot_open = -1,    // missing file, a directory, no permission
-    io_malformed = -2,      // empty, truncated, not this format
-    io_bad_mesh = -3,       // the mesh handed to write_mesh is inconsistent
-    io_unsupported = -4,    // unknown extension, or no reader for this format yet
-    io_write_failed = -5,   // the disk refused the data (full, quota, removed)
+    io_cannot_open = -1,   // missing file, a directory, no permission
+    io_malformed = -2,     // empty, truncated, not this format
+    io_bad_mesh = -3,      // the mesh handed to write_mesh is inconsistent
+    io_unsupported = -4,   // unknown extension, or no reader for this format yet
+    io_write_failed = -5,  // the disk refused the data (full, quota, removed)
     io_no_memory = -199,
 };
 
@@ -98,7 +98,7 @@ struct io_count {
 
 struct io_report {
     int code = io_ok;
-    std::string message;  // on failure: the file, the line or record, and what was wrong
+    std::string message;       // on failure: the file, the line or record, and what was wrong
     std::size_t nodes = 0;     // read or written
     std::size_t elements = 0;  // read or written
     // Reading: cards, keywords or blocks passed over. Writing: what the format cannot hold

@@ -47,8 +47,8 @@ TESSARIUM_API int edge_qualities(dense2D<double> const& pos, dense2D<unsigned> c
 // validated; an edge with an end beyond the metrics (or any edge, for tensors of fewer rows than
 // the dimension of pos needs) is left out. 0; -1 `pos` rows; -2 bad node index in `edges`;
 // -199 memory.
-TESSARIUM_API int H_shock(dense2D<double> const& pos, dense2D<unsigned> const& edges,
-                          dense1D<double, 8> const& metrics, dense1D<double, 8>& vals);
+TESSARIUM_API int H_shock(dense2D<double> const& pos, dense2D<unsigned> const& edges, dense1D<double, 8> const& metrics,
+                          dense1D<double, 8>& vals);
 TESSARIUM_API int H_shock(dense2D<double> const& pos, dense2D<unsigned> const& edges, dense2D<double> const& metrics,
                           dense1D<double, 8>& vals);
 

@@ -63,11 +63,10 @@ TESSARIUM_API int bound_metric(symmetric_fixed<double, 3>& M, double hmin, doubl
 TESSARIUM_API void metric_iso_to_aniso(double h, symmetric_fixed<double, 2>& M);
 TESSARIUM_API void metric_iso_to_aniso(double h, symmetric_fixed<double, 3>& M);
 // The size h seen in the plane spanned by the columns of B: M = B^t B / h^2, or zero.
-TESSARIUM_API void metric_iso_to_aniso2d(double h, matrix_fixed<double, 3, 2> const& B,
-                                         symmetric_fixed<double, 2>& M);
+TESSARIUM_API void metric_iso_to_aniso2d(double h, matrix_fixed<double, 3, 2> const& B, symmetric_fixed<double, 2>& M);
 // M = B^t M3 B.
-TESSARIUM_API void metric_aniso3d_to_aniso2d(symmetric_fixed<double, 3> const& M3,
-                                             matrix_fixed<double, 3, 2> const& B, symmetric_fixed<double, 2>& M);
+TESSARIUM_API void metric_aniso3d_to_aniso2d(symmetric_fixed<double, 3> const& M3, matrix_fixed<double, 3, 2> const& B,
+                                             symmetric_fixed<double, 2>& M);
 
 // ---- Size maps: a dense1D of sizes, or a dense2D of tensors with 3 or 6 rows ----
 
@@ -75,8 +74,7 @@ TESSARIUM_API void metric_aniso3d_to_aniso2d(symmetric_fixed<double, 3> const& M
 // a position in `indices`; an index past the map is invalid. A tensor map of neither 3 nor 6 rows
 // gives 0 at once, with or without `indices`.
 TESSARIUM_API unsigned first_invalid_metric(dense1D<double, 8> const& metrics);
-TESSARIUM_API unsigned first_invalid_metric(dense1D<unsigned, 8> const& indices,
-                                            dense1D<double, 8> const& metrics);
+TESSARIUM_API unsigned first_invalid_metric(dense1D<unsigned, 8> const& indices, dense1D<double, 8> const& metrics);
 TESSARIUM_API unsigned first_invalid_metric(dense2D<double> const& metrics);
 TESSARIUM_API unsigned first_invalid_metric(dense1D<unsigned, 8> const& indices, dense2D<double> const& metrics);
 // first_invalid_metric equals the number of entries (of `indices` when given).
@@ -92,8 +90,7 @@ TESSARIUM_API void valid_metrics(dense2D<double> const& metrics, dense1D<unsigne
 // hmin <= 0 and hmax = DBL_LIMIT; -1 tensor rows neither 3 nor 6; -2 hmin, -3 hmax not finite;
 // -199 when `changed` cannot grow (every entry is still bounded).
 TESSARIUM_API int bound_metrics(dense1D<double, 8>& metrics, double hmin, double hmax);
-TESSARIUM_API int bound_metrics(dense1D<double, 8>& metrics, double hmin, double hmax,
-                                dense1D<unsigned, 8>& changed);
+TESSARIUM_API int bound_metrics(dense1D<double, 8>& metrics, double hmin, double hmax, dense1D<unsigned, 8>& changed);
 TESSARIUM_API int bound_metrics(dense2D<double>& metrics, double hmin, double hmax);
 TESSARIUM_API int bound_metrics(dense2D<double>& metrics, double hmin, double hmax, dense1D<unsigned, 8>& changed);
 
@@ -126,8 +123,8 @@ TESSARIUM_API int overwrite_invalid_metrics(dense2D<double>& metrics, dense2D<do
 // node count (new entries 0); nodes no edge reaches keep their value. Linear elements only.
 // 0; -1 element dimension above the rows of `pos`; -2 bad node index; -3 unsupported type (also
 // a value outside the 23 element types, at once); -5 negative power; -199 memory.
-TESSARIUM_API int metrics_gen_iso(dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                                  element_type FE_type, dense1D<double, 8>& metrics, double power);
+TESSARIUM_API int metrics_gen_iso(dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE_type,
+                                  dense1D<double, 8>& metrics, double power);
 
 }  // namespace tessarium
 }  // namespace qv7

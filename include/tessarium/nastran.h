@@ -25,8 +25,7 @@ int NASTRAN_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>
 // -2 (pos not of 2 or 3 rows), -3 (a group refused by check_IDs), -4 (a group past the columns),
 // -5 (FEs and indices do not fit), -6 (PIDs and columns differ), -199 (no memory).
 int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                   dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs,
-                   dense1D<unsigned, 8> const& PIDs);
+                   dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs, dense1D<unsigned, 8> const& PIDs);
 // One group; every property ID is 1.
 int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
                    element_type FE);

@@ -24,8 +24,8 @@ TESSARIUM_API int jacobians(dense2D<double> const& coords, dense2D<unsigned> con
 
 // One shape quality per element; edges are 1. 0; -2 node IDs refused; -3 unsupported type
 // (`qualities` emptied); -199 memory.
-TESSARIUM_API int shape_qualities(dense2D<double> const& coords, dense2D<unsigned> const& connectM,
-                                  element_type type, dense1D<double, 8>& qualities);
+TESSARIUM_API int shape_qualities(dense2D<double> const& coords, dense2D<unsigned> const& connectM, element_type type,
+                                  dense1D<double, 8>& qualities);
 
 // The lowest quality and the first element that has it. Starts at q_min 1 and e_min NONE_ID, and
 // takes an element only when strictly below: a mesh with nothing below 1 keeps NONE_ID.

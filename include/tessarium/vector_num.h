@@ -40,8 +40,7 @@ public:
         if constexpr (!plain) {
             if (data) __destroy_elements(data, capacity);
         }
-        if (data && shift != not_owned)
-            math1::__vector_num_free(reinterpret_cast<char*>(data) - shift);
+        if (data && shift != not_owned) math1::__vector_num_free(reinterpret_cast<char*>(data) - shift);
         data = nullptr;
         capacity = 0;
         shift = 0;
@@ -63,10 +62,9 @@ public:
 
         char* raw = static_cast<char*>(math1::__vector_num_alloc(bytes));
         if (!raw) return false;
-        std::uintptr_t aligned = (reinterpret_cast<std::uintptr_t>(raw) + alignment - 1) &
-                                 ~static_cast<std::uintptr_t>(alignment - 1);
-        std::uint16_t new_shift =
-            static_cast<std::uint16_t>((aligned - reinterpret_cast<std::uintptr_t>(raw)) & 0xFF);
+        std::uintptr_t aligned =
+            (reinterpret_cast<std::uintptr_t>(raw) + alignment - 1) & ~static_cast<std::uintptr_t>(alignment - 1);
+        std::uint16_t new_shift = static_cast<std::uint16_t>((aligned - reinterpret_cast<std::uintptr_t>(raw)) & 0xFF);
         T* new_data = reinterpret_cast<T*>(raw + new_shift);
         std::uint64_t new_capacity = (bytes - new_shift) / sizeof(T);
 
@@ -86,8 +84,7 @@ public:
             }
             if (data) __destroy_elements(data, capacity);
         }
-        if (data && shift != not_owned)
-            math1::__vector_num_free(reinterpret_cast<char*>(data) - shift);
+        if (data && shift != not_owned) math1::__vector_num_free(reinterpret_cast<char*>(data) - shift);
         data = new_data;
         shift = new_shift;
         capacity = new_capacity;

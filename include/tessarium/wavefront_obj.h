@@ -13,8 +13,8 @@ namespace tessarium {
 // its vertex indices only; faces of 3 nodes go to connectT3, of 4 to connectQ4, others are
 // dropped. Returns 0, -1 when the file cannot be opened, -2 on a malformed line (what was read
 // before stays), -199 when an array cannot grow.
-int WavefrontOBJ_input(char const* file_name, dense2D<double>& pos, dense2D<double>& normals,
-                       dense2D<double>& textures, dense2D<unsigned>& connectT3, dense2D<unsigned>& connectQ4);
+int WavefrontOBJ_input(char const* file_name, dense2D<double>& pos, dense2D<double>& normals, dense2D<double>& textures,
+                       dense2D<unsigned>& connectT3, dense2D<unsigned>& connectQ4);
 
 // Writes nodes, then texture coordinates and normals when not empty (one per node), then the
 // faces. Returns 0, -1 when the file cannot be opened, -2 when pos has not 2 or 3 rows, -3 for

@@ -34,10 +34,7 @@ public:
     siever& sieve() noexcept { return sieve_; }
 
     // Room for every boundary of `elements` elements, with twice as many buckets.
-    bool resize(unsigned long elements)
-    {
-        return sieve_.resize(stride * elements, 2ul * stride * elements);
-    }
+    bool resize(unsigned long elements) { return sieve_.resize(stride * elements, 2ul * stride * elements); }
 
     static unsigned long element_of(unsigned long id) noexcept { return id / stride; }
 

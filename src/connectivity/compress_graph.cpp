@@ -86,7 +86,8 @@ int compress_graph(dense1D<unsigned, 8> const& offs, dense1D<unsigned, 8> const&
     std::fill(mark.begin(), mark.end(), NONE_ID);
     std::size_t count = 0;
     for (unsigned g = 0; g < c; ++g)
-        walk_group(g, offs, targets, vertex_map, group_offsets, group_vertices, mark.data(), [&count](unsigned) { ++count; });
+        walk_group(g, offs, targets, vertex_map, group_offsets, group_vertices, mark.data(),
+                   [&count](unsigned) { ++count; });
     if (!cgraph_offsets.resize(std::size_t(c) + 1) || !cgraph_targets.resize(count)) {
         cgraph_offsets.clear_hard();
         cgraph_targets.clear();
@@ -99,7 +100,8 @@ int compress_graph(dense1D<unsigned, 8> const& offs, dense1D<unsigned, 8> const&
     cgraph_offsets[0] = 0;
     unsigned* out = cgraph_targets.data();
     for (unsigned g = 0; g < c; ++g) {
-        walk_group(g, offs, targets, vertex_map, group_offsets, group_vertices, mark.data(), [&out](unsigned w) { *out++ = w; });
+        walk_group(g, offs, targets, vertex_map, group_offsets, group_vertices, mark.data(),
+                   [&out](unsigned w) { *out++ = w; });
         cgraph_offsets[std::size_t(g) + 1] = static_cast<unsigned>(out - cgraph_targets.data());
     }
     return 0;

@@ -17,8 +17,14 @@ constexpr edge_pair __edge_pair(unsigned a, unsigned b) noexcept
 {
     return a < b ? edge_pair(a) << 32 | b : edge_pair(b) << 32 | a;
 }
-constexpr unsigned __first(edge_pair e) noexcept { return unsigned(e >> 32); }
-constexpr unsigned __second(edge_pair e) noexcept { return unsigned(e); }
+constexpr unsigned __first(edge_pair e) noexcept
+{
+    return unsigned(e >> 32);
+}
+constexpr unsigned __second(edge_pair e) noexcept
+{
+    return unsigned(e);
+}
 
 namespace tessarium {
 

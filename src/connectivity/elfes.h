@@ -221,8 +221,7 @@ struct face_mix : __face_sides<face_mix> {
 
     static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
     {
-        return is_quadrangle(row) ? faceQ4::copy_boundary_nodes(b, row, out)
-                                  : faceT3::copy_boundary_nodes(b, row, out);
+        return is_quadrangle(row) ? faceQ4::copy_boundary_nodes(b, row, out) : faceT3::copy_boundary_nodes(b, row, out);
     }
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
     {
@@ -278,10 +277,7 @@ struct tetra4 {
             if (row[b] != node) *out++ = b;
         return out;
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept
-    {
-        return faceT3::orientation()(a, c);
-    }
+    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return faceT3::orientation()(a, c); }
 
     // Shape quality, 2 sqrt(6) inradius over longest edge, with its sign decided over the even
     // node orders when the first evaluation is in doubt. `apex` stands for node 3.
@@ -294,9 +290,8 @@ struct tetra4 {
     static double __geometric_quality1(matrix_fixed<double, 3, 3> const& M, bool& unsure) noexcept;
     // Edge vectors of even permutation `index` (0 to 11) of the three nodes and `origin`.
     template <class Coords>
-    static void get_loc_coordinates(Coords const& coords, unsigned const* nodes,
-                                    vector_fixed<double, 3> const& origin, unsigned index,
-                                    matrix_fixed<double, 3, 3>& M) noexcept;
+    static void get_loc_coordinates(Coords const& coords, unsigned const* nodes, vector_fixed<double, 3> const& origin,
+                                    unsigned index, matrix_fixed<double, 3, 3>& M) noexcept;
 };
 
 // What pyramids, wedges and hexahedra share: faces kept as FACES columns, edges as EDGES pairs,
@@ -330,8 +325,7 @@ struct pyramid5 : __tabled_solid<pyramid5> {
     // Four triangles around the apex 4, then the base.
     static constexpr unsigned FACES[4][5] = {
         {0, 1, 2, 3, 0}, {4, 4, 4, 4, 1}, {1, 2, 3, 0, 2}, {NONE_ID, NONE_ID, NONE_ID, NONE_ID, 3}};
-    static constexpr unsigned char EDGES[8][2] = {{0, 4}, {1, 4}, {2, 4}, {3, 4},
-                                                  {0, 1}, {1, 2}, {2, 3}, {3, 0}};
+    static constexpr unsigned char EDGES[8][2] = {{0, 4}, {1, 4}, {2, 4}, {3, 4}, {0, 1}, {1, 2}, {2, 3}, {3, 0}};
 
     // A base node p lies on the triangles p - 1 and p and on the base; the apex on all triangles.
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
@@ -347,10 +341,7 @@ struct pyramid5 : __tabled_solid<pyramid5> {
         *out++ = 4;
         return out;
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept
-    {
-        return __compare_mixed_faces(a, c);
-    }
+    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return __compare_mixed_faces(a, c); }
 
     // Shape quality from the smallest base corner extent, times the base warp in `warp`.
     template <class Coords>
@@ -375,10 +366,7 @@ struct wedge6 : __tabled_solid<wedge6> {
     {
         return __copy_node_faces(NODE_FACES, node, row, out);
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept
-    {
-        return __compare_mixed_faces(a, c);
-    }
+    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return __compare_mixed_faces(a, c); }
 
     // Shape quality from the worst corner, or from the split into face pyramids around the
     // centroid when that is worse; `warp` is the worst face warp.
@@ -403,10 +391,7 @@ struct hexa8 : __tabled_solid<hexa8> {
     {
         return __copy_node_faces(NODE_FACES, node, row, out);
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept
-    {
-        return faceQ4::orientation()(a, c);
-    }
+    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return faceQ4::orientation()(a, c); }
 
     static void get_edge_local_node_IDs(unsigned edge, unsigned& first, unsigned& second) noexcept
     {
@@ -468,34 +453,43 @@ struct solid_mix {
     static unsigned* copy_boundary_nodes(unsigned b, unsigned const* row, unsigned* out) noexcept
     {
         switch (kind(row)) {
-        case TETRA: return tetra4::copy_boundary_nodes(b, row, out);
-        case PYRAMID: return pyramid5::copy_boundary_nodes(b, row, out);
-        case WEDGE: return wedge6::copy_boundary_nodes(b, row, out);
-        default: return hexa8::copy_boundary_nodes(b, row, out);
+        case TETRA:
+            return tetra4::copy_boundary_nodes(b, row, out);
+        case PYRAMID:
+            return pyramid5::copy_boundary_nodes(b, row, out);
+        case WEDGE:
+            return wedge6::copy_boundary_nodes(b, row, out);
+        default:
+            return hexa8::copy_boundary_nodes(b, row, out);
         }
     }
     static unsigned* copy_edge_nodes(unsigned e, unsigned const* row, unsigned* out) noexcept
     {
         switch (kind(row)) {
-        case TETRA: return tetra4::copy_edge_nodes(e, row, out);
-        case PYRAMID: return pyramid5::copy_edge_nodes(e, row, out);
-        case WEDGE: return wedge6::copy_edge_nodes(e, row, out);
-        default: return hexa8::copy_edge_nodes(e, row, out);
+        case TETRA:
+            return tetra4::copy_edge_nodes(e, row, out);
+        case PYRAMID:
+            return pyramid5::copy_edge_nodes(e, row, out);
+        case WEDGE:
+            return wedge6::copy_edge_nodes(e, row, out);
+        default:
+            return hexa8::copy_edge_nodes(e, row, out);
         }
     }
     static unsigned* copy_boundary_IDs(unsigned node, unsigned const* row, unsigned* out) noexcept
     {
         switch (kind(row)) {
-        case TETRA: return tetra4::copy_boundary_IDs(node, row, out);
-        case PYRAMID: return pyramid5::copy_boundary_IDs(node, row, out);
-        case WEDGE: return wedge6::copy_boundary_IDs(node, row, out);
-        default: return hexa8::copy_boundary_IDs(node, row, out);
+        case TETRA:
+            return tetra4::copy_boundary_IDs(node, row, out);
+        case PYRAMID:
+            return pyramid5::copy_boundary_IDs(node, row, out);
+        case WEDGE:
+            return wedge6::copy_boundary_IDs(node, row, out);
+        default:
+            return hexa8::copy_boundary_IDs(node, row, out);
         }
     }
-    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept
-    {
-        return __compare_mixed_faces(a, c);
-    }
+    static int compare_boundaries(unsigned const* a, unsigned const* c) noexcept { return __compare_mixed_faces(a, c); }
 
     // The quality of the column's kind.
     static double geometric_quality(dense2D<double> const& coords, unsigned const* nodes) noexcept;

@@ -14,9 +14,15 @@ point coordinates(dense2D<double> const& pos, unsigned node) noexcept
     return {c[0], pos.rows() == 2 ? c[1] : 0.0, 0.0};
 }
 
-point minus(point const& a, point const& b) noexcept { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+point minus(point const& a, point const& b) noexcept
+{
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
 
-double sqr_length(point const& a) noexcept { return a[0] * a[0] + a[1] * a[1] + a[2] * a[2]; }
+double sqr_length(point const& a) noexcept
+{
+    return a[0] * a[0] + a[1] * a[1] + a[2] * a[2];
+}
 
 point cross(point const& a, point const& b) noexcept
 {
@@ -38,7 +44,8 @@ double faceT3::sqr_height(dense2D<double> const& pos, unsigned const* nodes, uns
     return base2 > 0.0 ? area2 / base2 : area2;
 }
 
-void faceT3::copy_director(dense2D<double> const& pos, unsigned const* nodes, vector_fixed<double, 3>& director) noexcept
+void faceT3::copy_director(dense2D<double> const& pos, unsigned const* nodes,
+                           vector_fixed<double, 3>& director) noexcept
 {
     point P0 = coordinates(pos, nodes[0]), P1 = coordinates(pos, nodes[1]), P2 = coordinates(pos, nodes[2]);
     point a = minus(P0, P2);

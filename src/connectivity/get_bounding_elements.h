@@ -19,8 +19,7 @@ int get_bounding_elements(dense2D<unsigned> const& connectM, dense2D<unsigned> c
     for (std::size_t e = 0; e < connectM.cols(); ++e) {
         unsigned const* row = connectM.col(e);
         for (unsigned b = 0, n = Elfe::nbr_boundaries(row); b < n; ++b)
-            if (neighbors(b, e) == NONE_ID &&
-                !bounding_elements.push_back(static_cast<unsigned>(e * Elfe::stride + b)))
+            if (neighbors(b, e) == NONE_ID && !bounding_elements.push_back(static_cast<unsigned>(e * Elfe::stride + b)))
                 return -199;
     }
     return 0;

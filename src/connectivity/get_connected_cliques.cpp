@@ -18,7 +18,10 @@ clique_range clique(dense1D<unsigned, 8> const& co, dense1D<unsigned, 8> const& 
     return {ci.data() + b, ci.data() + std::max(b, e)};
 }
 
-bool single_zero(dense1D<unsigned, 8>& offsets) { return offsets.push_back(0); }
+bool single_zero(dense1D<unsigned, 8>& offsets)
+{
+    return offsets.push_back(0);
+}
 
 }  // namespace
 
@@ -75,7 +78,8 @@ int __cliques_of(dense2D<unsigned> const& connectM, dense1D<unsigned, 8>& clique
         clique_indices = connectM.flat();
     } else {
         if (!clique_indices.resize(rows * cols)) return -199;
-        for (std::size_t e = 0; e < cols; ++e) std::copy(connectM.col(e), connectM.col(e) + rows, &clique_indices[e * rows]);
+        for (std::size_t e = 0; e < cols; ++e)
+            std::copy(connectM.col(e), connectM.col(e) + rows, &clique_indices[e * rows]);
     }
     if (!clique_offsets.resize(cols + 1)) return -199;
     for (std::size_t e = 0; e <= cols; ++e) clique_offsets[e] = static_cast<unsigned>(e * rows);

@@ -13,7 +13,10 @@ namespace {
 // Below this many pairs the counters of a radix sort cost more than they save.
 constexpr std::size_t radix_threshold = 4096;
 
-unsigned bit_width(std::uint64_t v) noexcept { return v ? 64 - __builtin_clzll(v) : 0; }
+unsigned bit_width(std::uint64_t v) noexcept
+{
+    return v ? 64 - __builtin_clzll(v) : 0;
+}
 
 // Sorts the pairs and keeps each once; returns how many are left. The radix sort ranks a pair by
 // its two numbers packed just as wide as the largest of each needs.
@@ -32,18 +35,27 @@ std::size_t sort_unique(edge_pair* pairs, std::size_t n)
 element_type edge_shape(element_type type) noexcept
 {
     switch (type) {
-    case ET_EDGE3: return ET_EDGE2;
-    case ET_FACE_T6: return ET_FACE_T3;
+    case ET_EDGE3:
+        return ET_EDGE2;
+    case ET_FACE_T6:
+        return ET_FACE_T3;
     case ET_FACE_Q8:
-    case ET_FACE_Q9: return ET_FACE_Q4;
-    case ET_TETRA10: return ET_TETRA4;
-    case ET_PYRAMID14: return ET_PYRAMID5;
-    case ET_WEDGE18: return ET_WEDGE6;
-    case ET_HEXA27: return ET_HEXA8;
+    case ET_FACE_Q9:
+        return ET_FACE_Q4;
+    case ET_TETRA10:
+        return ET_TETRA4;
+    case ET_PYRAMID14:
+        return ET_PYRAMID5;
+    case ET_WEDGE18:
+        return ET_WEDGE6;
+    case ET_HEXA27:
+        return ET_HEXA8;
     case ET_PYRAMID13:
     case ET_WEDGE15:
-    case ET_HEXA20: return ET_NONE;
-    default: return type;
+    case ET_HEXA20:
+        return ET_NONE;
+    default:
+        return type;
     }
 }
 

@@ -17,9 +17,8 @@ int get_mesh_boundaries(dense2D<unsigned> const& connectM, dense2D<unsigned> con
         !check_IDs(neighbors, elements))
         return -2;
     if (!boundaries.empty() && boundaries.rows() != nbr_nodes_of_boundaries(type)) return -4;
-    return __with_elfe(type, -3, [&](auto elfe) {
-        return elfe_algo::get_boundaries_matrix(connectM, neighbors, boundaries, elfe);
-    });
+    return __with_elfe(
+        type, -3, [&](auto elfe) { return elfe_algo::get_boundaries_matrix(connectM, neighbors, boundaries, elfe); });
 }
 
 }  // namespace tessarium

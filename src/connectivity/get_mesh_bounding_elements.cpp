@@ -5,8 +5,8 @@
 namespace qv7 {
 namespace tessarium {
 
-int get_mesh_bounding_elements(dense2D<unsigned> const& connectM, dense2D<unsigned> const& neighbors,
-                               element_type type, dense1D<unsigned, 8>& bounding_elements, unsigned& stride)
+int get_mesh_bounding_elements(dense2D<unsigned> const& connectM, dense2D<unsigned> const& neighbors, element_type type,
+                               dense1D<unsigned, 8>& bounding_elements, unsigned& stride)
 {
     stride = 0;
     if (connectM.empty()) return 0;

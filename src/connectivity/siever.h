@@ -19,7 +19,10 @@
 namespace qv7 {
 
 // Asks for the cache line of p ahead of its use; no effect on results.
-inline void __prefetch(void const* p) noexcept { __builtin_prefetch(p); }
+inline void __prefetch(void const* p) noexcept
+{
+    __builtin_prefetch(p);
+}
 
 class siever {
 public:

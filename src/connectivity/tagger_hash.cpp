@@ -6,7 +6,10 @@
 
 namespace qv7 {
 
-tagger_hash::tagger_hash() { __rehash(193); }
+tagger_hash::tagger_hash()
+{
+    __rehash(193);
+}
 
 bool tagger_hash::tag(unsigned id)
 {

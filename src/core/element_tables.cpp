@@ -36,12 +36,27 @@ constexpr element_row element_table[nbr_element_types] = {
 
 }  // namespace
 
-char const* version() noexcept { return "4.8.0.0"; }
+char const* version() noexcept
+{
+    return "4.8.0.0";
+}
 
-unsigned element_dim(element_type type) noexcept { return element_table[type].dim; }
-unsigned nbr_nodes(element_type type) noexcept { return element_table[type].nodes; }
-unsigned nbr_base_nodes(element_type type) noexcept { return element_table[type].base_nodes; }
-unsigned nbr_boundaries(element_type type) noexcept { return element_table[type].boundaries; }
+unsigned element_dim(element_type type) noexcept
+{
+    return element_table[type].dim;
+}
+unsigned nbr_nodes(element_type type) noexcept
+{
+    return element_table[type].nodes;
+}
+unsigned nbr_base_nodes(element_type type) noexcept
+{
+    return element_table[type].base_nodes;
+}
+unsigned nbr_boundaries(element_type type) noexcept
+{
+    return element_table[type].boundaries;
+}
 
 }  // namespace tessarium
 }  // namespace qv7

@@ -5,6 +5,9 @@
 
 namespace qv7 {
 
-constexpr bool __is_element_type(int value) noexcept { return value >= ET_NONE && value <= ET_HEXA27; }
+constexpr bool __is_element_type(int value) noexcept
+{
+    return value >= ET_NONE && value <= ET_HEXA27;
+}
 
 }  // namespace qv7

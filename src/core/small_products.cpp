@@ -13,8 +13,7 @@ void __mult_small(double alpha, mat33 const& A, mat33 const& B, mat33& C, non_sy
         }
 }
 
-void __transpose_mult_small(double alpha, mat33 const& A, mat33 const& B, symmetric_fixed<double, 3>& S,
-                            symmetric_tag)
+void __transpose_mult_small(double alpha, mat33 const& A, mat33 const& B, symmetric_fixed<double, 3>& S, symmetric_tag)
 {
     for (unsigned j = 0; j < 3; ++j)
         for (unsigned i = 0; i <= j; ++i) {

@@ -8,14 +8,19 @@ namespace {
 constexpr double relaxation = 0.7;
 constexpr double tolerance = 1e-12;
 
-double inverse_or_zero(double det) { return det == 0.0 ? 0.0 : 1.0 / det; }
+double inverse_or_zero(double det)
+{
+    return det == 0.0 ? 0.0 : 1.0 / det;
+}
 
-bool converged(double x, double d) { return std::fabs(x) * tolerance >= std::fabs(d); }
+bool converged(double x, double d)
+{
+    return std::fabs(x) * tolerance >= std::fabs(d);
+}
 
 }  // namespace
 
-void solve(double a, double b, double c, double r0, double r1, double& x0, double& x1, double& det,
-           unsigned n)
+void solve(double a, double b, double c, double r0, double r1, double& x0, double& x1, double& det, unsigned n)
 {
     det = a * c - b * b;
     double inv = inverse_or_zero(det);
@@ -37,8 +42,8 @@ void solve(symmetric_fixed<double, 2> const& A, vector_fixed<double, 2>& x, doub
     solve(A[0], A[1], A[2], x[0], x[1], x[0], x[1], det, n);
 }
 
-void solve(double a00, double a01, double a11, double a02, double a12, double a22, double r0, double r1,
-           double r2, double& x0, double& x1, double& x2, double& det, unsigned n)
+void solve(double a00, double a01, double a11, double a02, double a12, double a22, double r0, double r1, double r2,
+           double& x0, double& x1, double& x2, double& det, unsigned n)
 {
     double C00 = a11 * a22 - a12 * a12, C11 = a00 * a22 - a02 * a02, C22 = a00 * a11 - a01 * a01;
     double C01 = a02 * a12 - a01 * a22, C02 = a01 * a12 - a11 * a02, C12 = a01 * a02 - a00 * a12;

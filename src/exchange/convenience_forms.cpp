@@ -39,9 +39,9 @@ int __write_two_matrices(__range_writer write, char const* file_name, dense2D<do
     return write(file_name, pos, groups, groups + 2, FEs);
 }
 
-int __write_two_matrices(__grouped_writer write, bool running_end, char const* file_name,
-                         dense2D<double> const& pos, dense2D<unsigned> const& connectM1,
-                         dense2D<unsigned> const& connectM2, element_type FE1, element_type FE2)
+int __write_two_matrices(__grouped_writer write, bool running_end, char const* file_name, dense2D<double> const& pos,
+                         dense2D<unsigned> const& connectM1, dense2D<unsigned> const& connectM2, element_type FE1,
+                         element_type FE2)
 {
     std::size_t c1 = connectM1.cols(), c2 = connectM2.cols();
     dense2D<unsigned> all;
@@ -67,8 +67,8 @@ void __empty_results(dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<
     per_element.clear();
 }
 
-int __read_one_matrix(__grouped_reader read, char const* file_name, dense2D<double>& pos,
-                      dense2D<unsigned>& connectM, element_type& FE)
+int __read_one_matrix(__grouped_reader read, char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM,
+                      element_type& FE)
 {
     dense1D<unsigned, 8> indices, per_element;
     dense1D<int, 8> FEs;
@@ -77,9 +77,9 @@ int __read_one_matrix(__grouped_reader read, char const* file_name, dense2D<doub
     return result;
 }
 
-int __read_two_matrices(__grouped_reader read, bool first_keeps_rows, char const* file_name,
-                        dense2D<double>& pos, dense2D<unsigned>& connectM1, dense2D<unsigned>& connectM2,
-                        element_type& FE1, element_type& FE2)
+int __read_two_matrices(__grouped_reader read, bool first_keeps_rows, char const* file_name, dense2D<double>& pos,
+                        dense2D<unsigned>& connectM1, dense2D<unsigned>& connectM2, element_type& FE1,
+                        element_type& FE2)
 {
     dense2D<unsigned> all;
     dense1D<unsigned, 8> indices, per_element;

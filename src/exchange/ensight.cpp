@@ -33,7 +33,8 @@ constexpr ensight_element tetra4 = {"tetra4", 4, {0, 2, 1, 3}};
 constexpr ensight_element tetra10 = {"tetra10", 10, {0, 2, 1, 3, 5, 4, 6, 7, 9, 8}};
 constexpr ensight_element penta6 = {"penta6", 6, {0, 1, 2, 3, 4, 5}};
 constexpr ensight_element hexa8 = {"hexa8", 8, {0, 1, 2, 3, 4, 5, 6, 7}};
-constexpr ensight_element hexa20 = {"hexa20", 20, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19}};
+constexpr ensight_element hexa20 = {
+    "hexa20", 20, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19}};
 
 constexpr ensight_element ensight_elements[nbr_element_types] = {
     no_element,  // ET_NONE

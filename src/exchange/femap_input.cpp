@@ -29,9 +29,9 @@ struct element_state {
     dense1D<unsigned, 8>& indices;
     dense1D<int, 8>& FEs;
     dense1D<unsigned, 8>& IDs;
-    unsigned count;          // elements read
-    element_type current;    // type of the open group, ET_NONE before the first record
-    std::string line;        // scratch for the slot lines
+    unsigned count;        // elements read
+    element_type current;  // type of the open group, ET_NONE before the first record
+    std::string line;      // scratch for the slot lines
     std::vector<std::string> words;
 };
 
@@ -155,9 +155,8 @@ std::string& __remove_spaces(std::string& text)
     return text;
 }
 
-int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM,
-                  dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs,
-                  std::size_t max_ID)
+int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
+                  dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs, std::size_t max_ID)
 {
     pos.clear();
     connectM.clear();
@@ -174,8 +173,8 @@ int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& con
     return result;
 }
 
-int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM,
-                dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs)
+int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
+                dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs)
 {
     std::ifstream in;
     if (file_name) in.open(file_name);
@@ -190,8 +189,8 @@ int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& 
 }
 
 // The first view keeps all rows of the connectivity, the second only those of its type.
-int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM1,
-                dense2D<unsigned>& connectM2, element_type& FE1, element_type& FE2)
+int FEMAP_input(char const* file_name, dense2D<double>& pos, dense2D<unsigned>& connectM1, dense2D<unsigned>& connectM2,
+                element_type& FE1, element_type& FE2)
 {
     return __read_two_matrices(FEMAP_input, true, file_name, pos, connectM1, connectM2, FE1, FE2);
 }

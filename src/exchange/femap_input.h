@@ -22,9 +22,8 @@ std::string& __remove_spaces(std::string& text);
 
 // Reads blocks 403 and 404 from an open stream into the five results; pos and connectM are
 // emptied first, the other three appended to. Node IDs above max_ID are refused with -199.
-int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM,
-                  dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs,
-                  std::size_t max_ID = __max_node_ID);
+int __FEMAP_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
+                  dense1D<int, 8>& FEs, dense1D<unsigned, 8>& IDs, std::size_t max_ID = __max_node_ID);
 
 }  // namespace tessarium
 }  // namespace qv7

@@ -38,8 +38,7 @@ void write_nodes(dense2D<double> const& pos, __text_sink& out)
 
 // Slots hold the node index plus 1, except the corners of the 6-node triangle, which are
 // written without it.
-void write_record(__femap_kind const& kind, std::size_t column, unsigned ID, unsigned const* nodes,
-                  __text_sink& out)
+void write_record(__femap_kind const& kind, std::size_t column, unsigned ID, unsigned const* nodes, __text_sink& out)
 {
     unsigned slots[__femap_slot_count] = {};
     for (unsigned i = 0; i < nbr_nodes(kind.type); ++i)
@@ -90,8 +89,7 @@ int FEMAP_output(char const* file_name, dense2D<double> const& pos, dense2D<unsi
     return result;
 }
 
-int FEMAP_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                 element_type FE)
+int FEMAP_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE)
 {
     return __write_one_matrix(FEMAP_output, file_name, pos, connectM, FE);
 }

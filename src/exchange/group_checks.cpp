@@ -39,8 +39,7 @@ int __check_groups(__range_rules rules, dense2D<double> const& pos, dense2D<unsi
 }
 
 int __check_grouped_mesh(dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                         dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs,
-                         std::size_t per_element)
+                         dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs, std::size_t per_element)
 {
     if (!pos_rows_fit(pos, 2)) return -2;
     if (FEs.size() + 1 != indices.size()) return -5;

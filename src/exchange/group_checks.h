@@ -37,8 +37,7 @@ int __check_groups(__range_rules rules, dense2D<double> const& pos, dense2D<unsi
 // `per_element` values for another column count; then for each group -4 a range past the
 // columns, -3 a type or shape check_IDs refuses.
 int __check_grouped_mesh(dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                         dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs,
-                         std::size_t per_element);
+                         dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs, std::size_t per_element);
 
 }  // namespace tessarium
 }  // namespace qv7

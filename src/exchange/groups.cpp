@@ -30,18 +30,23 @@ bool append_mixed(dense2D<unsigned> const& group, element_type mixed, unsigned r
 
 }  // namespace
 
-bool __is_element_type(int FE) noexcept { return FE >= ET_NONE && FE <= ET_HEXA27; }
+bool __is_element_type(int FE) noexcept
+{
+    return FE >= ET_NONE && FE <= ET_HEXA27;
+}
 
 element_type __column_type(element_type group, unsigned const* column, std::size_t rows) noexcept
 {
     auto missing = [&](std::size_t row) { return row >= rows || column[row] == NONE_ID; };
     switch (group) {
-    case ET_FACE_MIX: return missing(3) ? ET_FACE_T3 : ET_FACE_Q4;
+    case ET_FACE_MIX:
+        return missing(3) ? ET_FACE_T3 : ET_FACE_Q4;
     case ET_SOLID_MIX:
         if (missing(4)) return ET_TETRA4;
         if (missing(5)) return ET_PYRAMID5;
         return missing(6) ? ET_WEDGE6 : ET_HEXA8;
-    default: return group;
+    default:
+        return group;
     }
 }
 
@@ -66,8 +71,8 @@ __column_range __group_columns(dense1D<unsigned, 8> const& indices, std::size_t 
     return {first, last > first ? last - first : 0};
 }
 
-dense2D<unsigned> __group_view(dense2D<unsigned> const& M, dense1D<unsigned, 8> const& indices,
-                               std::size_t g, std::size_t rows)
+dense2D<unsigned> __group_view(dense2D<unsigned> const& M, dense1D<unsigned, 8> const& indices, std::size_t g,
+                               std::size_t rows)
 {
     __column_range range = __group_columns(indices, g);
     std::size_t first = std::min(range.first, M.cols());

@@ -47,8 +47,8 @@ struct __column_range {
 __column_range __group_columns(dense1D<unsigned, 8> const& indices, std::size_t g) noexcept;
 
 // View of group g with `rows` rows, cut to the columns M has.
-dense2D<unsigned> __group_view(dense2D<unsigned> const& M, dense1D<unsigned, 8> const& indices,
-                               std::size_t g, std::size_t rows);
+dense2D<unsigned> __group_view(dense2D<unsigned> const& M, dense1D<unsigned, 8> const& indices, std::size_t g,
+                               std::size_t rows);
 
 }  // namespace tessarium
 }  // namespace qv7

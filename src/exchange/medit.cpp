@@ -142,8 +142,7 @@ int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsi
     return result;
 }
 
-int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                 element_type FE)
+int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE)
 {
     return __write_one_matrix(medit_output, file_name, pos, connectM, FE);
 }
@@ -154,8 +153,8 @@ int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsi
     return __write_two_matrices(medit_output, file_name, pos, connectM1, connectM2, FE1, FE2);
 }
 
-int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                 element_type FE, dense1D<unsigned, 8> const& IDs)
+int medit_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM, element_type FE,
+                 dense1D<unsigned, 8> const& IDs)
 {
     if (connectM.empty()) return 0;
     if (IDs.size() != connectM.cols()) return -5;

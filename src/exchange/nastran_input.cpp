@@ -33,11 +33,16 @@ element_type card_type(char const* name) noexcept
 element_type promoted(element_type type, std::size_t nodes) noexcept
 {
     switch (type) {
-    case ET_TETRA4: return nodes == 10 ? ET_TETRA10 : type;
-    case ET_PYRAMID5: return nodes == 13 ? ET_PYRAMID13 : type;
-    case ET_WEDGE6: return nodes == 15 ? ET_WEDGE15 : type;
-    case ET_HEXA8: return nodes == 20 ? ET_HEXA20 : type;
-    default: return type;
+    case ET_TETRA4:
+        return nodes == 10 ? ET_TETRA10 : type;
+    case ET_PYRAMID5:
+        return nodes == 13 ? ET_PYRAMID13 : type;
+    case ET_WEDGE6:
+        return nodes == 15 ? ET_WEDGE15 : type;
+    case ET_HEXA8:
+        return nodes == 20 ? ET_HEXA20 : type;
+    default:
+        return type;
     }
 }
 
@@ -51,16 +56,16 @@ bool scan_large_grid(std::istream& in, char const* line, std::string& second, in
     std::getline(in, second);
     char name[9] = {}, cp[17] = {}, fields[3][17] = {}, mark = 0;
     if (std::sscanf(line, "%8c%16d%16c%16lf%16lf %c", name, &ID, cp, xyz, xyz + 1, &mark) < 6) return false;
-    return std::sscanf(second.c_str(), "%8c%16lf%16c%16c%16c %c", name, xyz + 2, fields[0], fields[1],
-                       fields[2], &mark) >= 2;
+    return std::sscanf(second.c_str(), "%8c%16lf%16c%16c%16c %c", name, xyz + 2, fields[0], fields[1], fields[2],
+                       &mark) >= 2;
 }
 
 // Comma-separated fields; a blank CP field is retried with a format that skips it.
 bool scan_free_grid(char const* line, int& ID, double* xyz)
 {
     int CP = 0, CD = 0, PS = 0, SEID = 0, extra = 0;
-    if (std::sscanf(line, "GRID ,%d,%d,%lf,%lf,%lf,%d,%d,%d,%d", &ID, &CP, xyz, xyz + 1, xyz + 2, &CD, &PS,
-                    &SEID, &extra) >= 5)
+    if (std::sscanf(line, "GRID ,%d,%d,%lf,%lf,%lf,%d,%d,%d,%d", &ID, &CP, xyz, xyz + 1, xyz + 2, &CD, &PS, &SEID,
+                    &extra) >= 5)
         return true;
     return std::sscanf(line, "GRID ,%d, ,%lf,%lf,%lf,%d,%d,%d,%d", &ID, xyz, xyz + 1, xyz + 2, &CD, &PS, &SEID,
                        &extra) >= 4;
@@ -71,8 +76,8 @@ bool scan_free_grid(char const* line, int& ID, double* xyz)
 bool scan_small_grid(char const* line, int& ID, double* xyz)
 {
     char name[9] = {}, cp[9] = {}, text[3][9] = {}, rest[3][9] = {}, mark = 0;
-    if (std::sscanf(line, "%8c%8d%8c%8c%8c%8c%8c%8c%8c %c", name, &ID, cp, text[0], text[1], text[2], rest[0],
-                    rest[1], rest[2], &mark) < 6)
+    if (std::sscanf(line, "%8c%8d%8c%8c%8c%8c%8c%8c%8c %c", name, &ID, cp, text[0], text[1], text[2], rest[0], rest[1],
+                    rest[2], &mark) < 6)
         return false;
     for (int k = 0; k < 3; ++k) xyz[k] = std::atof(text[k]);
     return true;
@@ -80,14 +85,13 @@ bool scan_small_grid(char const* line, int& ID, double* xyz)
 
 // One grid point into pos: 0, -1 for a malformed line or an ID of 0, -199 when pos cannot
 // reach the ID.
-int read_grid(std::istream& in, std::string const& line, std::string& second, dense2D<double>& pos,
-              std::size_t max_ID)
+int read_grid(std::istream& in, std::string const& line, std::string& second, dense2D<double>& pos, std::size_t max_ID)
 {
     int ID = 0;
     double xyz[3] = {0.0, 0.0, 0.0};
-    bool scanned = line.compare(0, 5, "GRID*") == 0        ? scan_large_grid(in, line.c_str(), second, ID, xyz)
+    bool scanned = line.compare(0, 5, "GRID*") == 0      ? scan_large_grid(in, line.c_str(), second, ID, xyz)
                    : line.find(',') != std::string::npos ? scan_free_grid(line.c_str(), ID, xyz)
-                                                           : scan_small_grid(line.c_str(), ID, xyz);
+                                                         : scan_small_grid(line.c_str(), ID, xyz);
     if (!scanned || ID == 0) return -1;
     std::size_t column = static_cast<unsigned>(ID);
     if (!__reach_node_column(pos, column, max_ID)) return -199;
@@ -111,8 +115,8 @@ bool scan_fixed_line(char const* text, bool large, card_line& line, dense1D<unsi
     char name[9] = {}, mark = 0;
     int v[8] = {};
     int n = large ? std::sscanf(text, "%8c%16d%16d%16d%16d %c", name, v, v + 1, v + 2, v + 3, &mark)
-                  : std::sscanf(text, "%8c%8d%8d%8d%8d%8d%8d%8d%8d %c", name, v, v + 1, v + 2, v + 3, v + 4,
-                                v + 5, v + 6, v + 7, &mark);
+                  : std::sscanf(text, "%8c%8d%8d%8d%8d%8d%8d%8d%8d %c", name, v, v + 1, v + 2, v + 3, v + 4, v + 5,
+                                v + 6, v + 7, &mark);
     line.more = false;
     line.name[0] = '\0';
     if (n < 1) {
@@ -244,9 +248,8 @@ int accept_card(element_card const& card, dense1D<unsigned, 8> const& fields, el
 
 }  // namespace
 
-int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM,
-                    dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs,
-                    std::size_t max_ID)
+int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
+                    dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs, std::size_t max_ID)
 {
     pos.clear();
     connectM.clear();

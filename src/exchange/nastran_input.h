@@ -12,9 +12,8 @@ namespace tessarium {
 
 // Reads a deck from an open stream into the five results, which it empties first (indices is
 // appended to). Node IDs above max_ID are refused with -199.
-int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM,
-                    dense1D<unsigned, 8>& indices, dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs,
-                    std::size_t max_ID = __max_node_ID);
+int __NASTRAN_input(std::istream& in, dense2D<double>& pos, dense2D<unsigned>& connectM, dense1D<unsigned, 8>& indices,
+                    dense1D<int, 8>& FEs, dense1D<unsigned, 8>& PIDs, std::size_t max_ID = __max_node_ID);
 
 }  // namespace tessarium
 }  // namespace qv7

@@ -45,8 +45,7 @@ void write_grids(dense2D<double> const& pos, __text_sink& out)
 }
 
 // The fields of a card run in lines of nine, the name or the "+C" mark being the first.
-void write_card(__nastran_card const& card, std::size_t column, unsigned PID, unsigned const* nodes,
-                __text_sink& out)
+void write_card(__nastran_card const& card, std::size_t column, unsigned PID, unsigned const* nodes, __text_sink& out)
 {
     out.text(card.name).put(',').integer(column + 1).put(',').integer(static_cast<int>(PID));
     int field = 3;
@@ -74,8 +73,7 @@ void write_group(dense2D<unsigned> const& connectM, __column_range range, elemen
 }  // namespace
 
 int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<unsigned> const& connectM,
-                   dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs,
-                   dense1D<unsigned, 8> const& PIDs)
+                   dense1D<unsigned, 8> const& indices, dense1D<int, 8> const& FEs, dense1D<unsigned, 8> const& PIDs)
 {
     if (connectM.rows() * connectM.cols() == 0) return 0;
     std::FILE* file = file_name ? std::fopen(file_name, "w") : nullptr;

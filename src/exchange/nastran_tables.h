@@ -31,27 +31,27 @@ struct __nastran_card {
 
 // Indexed by element_type. The mixed types are written element by element as pure ones.
 constexpr __nastran_card __nastran_cards[nbr_element_types] = {
-    {nullptr, 0, {}},                                                                   // ET_NONE
-    {nullptr, 0, {}},                                                                   // ET_NODE
-    {nullptr, 0, {}},                                                                   // ET_EDGE_MIX
-    {"CBAR", 2, {0, 1}},                                                                // ET_EDGE2
-    {"CBAR", 2, {0, 1}},                                                                // ET_EDGE3
-    {nullptr, 0, {}},                                                                   // ET_FACE_MIX
-    {"CTRIA3", 3, {0, 1, 2}},                                                           // ET_FACE_T3
-    {"CQUAD4", 4, {0, 1, 2, 3}},                                                        // ET_FACE_Q4
-    {"CTRIA6", 6, {0, 1, 2, 5, 3, 4}},                                                  // ET_FACE_T6
-    {"CQUAD8", 8, {0, 1, 2, 3, 4, 5, 6, 7}},                                            // ET_FACE_Q8
-    {"CQUAD8", 9, {0, 1, 2, 3, 4, 5, 6, 7, 8}},                                         // ET_FACE_Q9
-    {nullptr, 0, {}},                                                                   // ET_SOLID_MIX
-    {"CTETRA", 4, {0, 2, 1, 3}},                                                        // ET_TETRA4
-    {"CTETRA", 10, {0, 2, 1, 3, 5, 4, 6, 7, 9, 8}},                                     // ET_TETRA10
-    {"CPYRAM", 5, {0, 1, 2, 3, 4}},                                                     // ET_PYRAMID5
-    {"CPYRAM", 13, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}},                         // ET_PYRAMID13
-    {"CPYRAM", 13, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}},                         // ET_PYRAMID14
-    {"CPENTA", 6, {0, 1, 2, 3, 4, 5}},                                                  // ET_WEDGE6
-    {"CPENTA", 15, {0, 1, 2, 3, 4, 5, 11, 9, 10, 6, 7, 8, 14, 12, 13}},                 // ET_WEDGE15
-    {"CPENTA", 15, {0, 1, 2, 3, 4, 5, 11, 9, 10, 6, 7, 8, 14, 12, 13}},                 // ET_WEDGE18
-    {"CHEXA", 8, {0, 1, 2, 3, 4, 5, 6, 7}},                                             // ET_HEXA8
+    {nullptr, 0, {}},                                                                       // ET_NONE
+    {nullptr, 0, {}},                                                                       // ET_NODE
+    {nullptr, 0, {}},                                                                       // ET_EDGE_MIX
+    {"CBAR", 2, {0, 1}},                                                                    // ET_EDGE2
+    {"CBAR", 2, {0, 1}},                                                                    // ET_EDGE3
+    {nullptr, 0, {}},                                                                       // ET_FACE_MIX
+    {"CTRIA3", 3, {0, 1, 2}},                                                               // ET_FACE_T3
+    {"CQUAD4", 4, {0, 1, 2, 3}},                                                            // ET_FACE_Q4
+    {"CTRIA6", 6, {0, 1, 2, 5, 3, 4}},                                                      // ET_FACE_T6
+    {"CQUAD8", 8, {0, 1, 2, 3, 4, 5, 6, 7}},                                                // ET_FACE_Q8
+    {"CQUAD8", 9, {0, 1, 2, 3, 4, 5, 6, 7, 8}},                                             // ET_FACE_Q9
+    {nullptr, 0, {}},                                                                       // ET_SOLID_MIX
+    {"CTETRA", 4, {0, 2, 1, 3}},                                                            // ET_TETRA4
+    {"CTETRA", 10, {0, 2, 1, 3, 5, 4, 6, 7, 9, 8}},                                         // ET_TETRA10
+    {"CPYRAM", 5, {0, 1, 2, 3, 4}},                                                         // ET_PYRAMID5
+    {"CPYRAM", 13, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}},                             // ET_PYRAMID13
+    {"CPYRAM", 13, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}},                             // ET_PYRAMID14
+    {"CPENTA", 6, {0, 1, 2, 3, 4, 5}},                                                      // ET_WEDGE6
+    {"CPENTA", 15, {0, 1, 2, 3, 4, 5, 11, 9, 10, 6, 7, 8, 14, 12, 13}},                     // ET_WEDGE15
+    {"CPENTA", 15, {0, 1, 2, 3, 4, 5, 11, 9, 10, 6, 7, 8, 14, 12, 13}},                     // ET_WEDGE18
+    {"CHEXA", 8, {0, 1, 2, 3, 4, 5, 6, 7}},                                                 // ET_HEXA8
     {"CHEXA", 20, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 16, 17, 18, 19, 12, 13, 14, 15}},  // ET_HEXA20
     {"CHEXA", 20, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 16, 17, 18, 19, 12, 13, 14, 15}},  // ET_HEXA27
 };
@@ -64,12 +64,15 @@ constexpr unsigned char __nastran_read_T6[] = {0, 1, 2, 4, 5, 3};
 inline unsigned char const* __nastran_read_order(element_type type) noexcept
 {
     switch (type) {
-    case ET_FACE_T6: return __nastran_read_T6;
+    case ET_FACE_T6:
+        return __nastran_read_T6;
     case ET_TETRA4:
     case ET_TETRA10:
     case ET_WEDGE15:
-    case ET_HEXA20: return __nastran_cards[type].nodes;
-    default: return nullptr;
+    case ET_HEXA20:
+        return __nastran_cards[type].nodes;
+    default:
+        return nullptr;
     }
 }
 

@@ -38,8 +38,8 @@ bool write_text(std::FILE* file, dense2D<double> const& pos, dense2D<unsigned> c
         bool ok = std::fprintf(file, "   facet normal %le %le %le\n      outer loop\n", f.normal[0], f.normal[1],
                                f.normal[2]) > 0;
         for (int v = 0; v < 3 && ok; ++v)
-            ok = std::fprintf(file, "         vertex %le %le %le\n", f.vertex[v][0], f.vertex[v][1],
-                              f.vertex[v][2]) > 0;
+            ok =
+                std::fprintf(file, "         vertex %le %le %le\n", f.vertex[v][0], f.vertex[v][1], f.vertex[v][2]) > 0;
         if (!ok || std::fputs("      endloop\n   endfacet\n", file) < 0) return false;
     }
     return std::fputs("endsolid QV7\n", file) >= 0;

@@ -9,9 +9,12 @@ namespace {
 std::chars_format form_of(char conversion) noexcept
 {
     switch (conversion) {
-    case 'f': return std::chars_format::fixed;
-    case 'g': return std::chars_format::general;
-    default: return std::chars_format::scientific;
+    case 'f':
+        return std::chars_format::fixed;
+    case 'g':
+        return std::chars_format::general;
+    default:
+        return std::chars_format::scientific;
     }
 }
 

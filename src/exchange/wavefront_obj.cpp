@@ -119,8 +119,8 @@ struct obj_reader {
 
 }  // namespace
 
-int WavefrontOBJ_input(char const* file_name, dense2D<double>& pos, dense2D<double>& normals,
-                       dense2D<double>& textures, dense2D<unsigned>& connectT3, dense2D<unsigned>& connectQ4)
+int WavefrontOBJ_input(char const* file_name, dense2D<double>& pos, dense2D<double>& normals, dense2D<double>& textures,
+                       dense2D<unsigned>& connectT3, dense2D<unsigned>& connectQ4)
 {
     std::ifstream file(file_name);
     pos.clear();

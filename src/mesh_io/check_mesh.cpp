@@ -8,18 +8,16 @@ namespace {
 
 bool is_pure(element_type type) noexcept
 {
-    return type > ET_NONE && type <= ET_HEXA27 && type != ET_EDGE_MIX && type != ET_FACE_MIX &&
-           type != ET_SOLID_MIX;
+    return type > ET_NONE && type <= ET_HEXA27 && type != ET_EDGE_MIX && type != ET_FACE_MIX && type != ET_SOLID_MIX;
 }
 
-int check_fields(std::string const& path, std::vector<mesh_field> const& fields, std::size_t count,
-                 char const* per, io_report& r)
+int check_fields(std::string const& path, std::vector<mesh_field> const& fields, std::size_t count, char const* per,
+                 io_report& r)
 {
     for (mesh_field const& f : fields) {
         bool plain = !f.name.empty();
         for (char c : f.name) plain = plain && std::isgraph(static_cast<unsigned char>(c));
-        if (!plain)
-            return __fail(r, io_bad_mesh, path, "field name \"" + f.name + "\" is empty or holds blanks");
+        if (!plain) return __fail(r, io_bad_mesh, path, "field name \"" + f.name + "\" is empty or holds blanks");
         if (f.values.cols() != count || f.values.rows() == 0)
             return __fail(r, io_bad_mesh, path,
                           "field \"" + f.name + "\" has " + std::to_string(f.values.cols()) + " columns for " +
@@ -43,8 +41,9 @@ int __check_mesh(std::string const& path, mesh const& m, io_report& r)
         element_block const& b = m.blocks[k];
         std::string block = __ordinal("block", k);
         if (!is_pure(b.type))
-            return __fail(r, io_bad_mesh, path, block + ": type " + std::to_string(b.type) +
-                                                   " is not one element kind (split mixed arrays with add_mixed)");
+            return __fail(r, io_bad_mesh, path,
+                          block + ": type " + std::to_string(b.type) +
+                              " is not one element kind (split mixed arrays with add_mixed)");
         if (!b.connect.empty() && b.connect.rows() != nbr_nodes(b.type))
             return __fail(r, io_bad_mesh, path,
                           block + ": " + std::to_string(b.connect.rows()) + " rows for " + __type_name(b.type) +

@@ -11,7 +11,10 @@ std::string geometry_path(std::string const& case_path)
     return case_path.substr(0, case_path.find_last_of('.')) + ".geo";
 }
 
-std::string file_name(std::string const& path) { return path.substr(path.find_last_of('/') + 1); }
+std::string file_name(std::string const& path)
+{
+    return path.substr(path.find_last_of('/') + 1);
+}
 
 }  // namespace
 

@@ -87,9 +87,18 @@ int result(io_report& r, std::string const& path, int code)
                   "the format function refused the mesh with code " + std::to_string(code));
 }
 
-bool any_type(element_type) { return true; }
-bool nastran_card(element_type type) { return __nastran_cards[type].name != nullptr; }
-bool femap_record(element_type type) { return __femap_kind_of_type(type) != nullptr; }
+bool any_type(element_type)
+{
+    return true;
+}
+bool nastran_card(element_type type)
+{
+    return __nastran_cards[type].name != nullptr;
+}
+bool femap_record(element_type type)
+{
+    return __femap_kind_of_type(type) != nullptr;
+}
 
 // The writers of a range of groups, one group per block.
 int write_range(__range_writer write, __output_files& files, std::string const& path, mesh const& m, io_report& r)
@@ -113,13 +122,18 @@ int write_grouped(__grouped_writer write, bool (*keeps)(element_type), __output_
     __count_written(r, m, keeps);
     return result(r, path, write(temp.c_str(), m.pos, g.connectM, g.indices, g.FEs, g.values));
 }
-bool triangle(element_type type) { return type == ET_FACE_T3; }
-bool obj_face(element_type type) { return type == ET_FACE_T3 || type == ET_FACE_Q4; }
+bool triangle(element_type type)
+{
+    return type == ET_FACE_T3;
+}
+bool obj_face(element_type type)
+{
+    return type == ET_FACE_T3 || type == ET_FACE_Q4;
+}
 
 }  // namespace
 
-int __write_VTK_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&,
-                         io_report& r)
+int __write_VTK_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&, io_report& r)
 {
     return write_range(vtk_output, files, path, m, r);
 }
@@ -174,8 +188,7 @@ int __write_STL_faithful(__output_files& files, std::string const& path, mesh co
     return result(r, path, STL_output(temp.c_str(), m.pos, T3, !options.binary));
 }
 
-int __write_OBJ_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&,
-                         io_report& r)
+int __write_OBJ_faithful(__output_files& files, std::string const& path, mesh const& m, io_options const&, io_report& r)
 {
     dense2D<unsigned> T3, Q4;
     dense2D<double> none;

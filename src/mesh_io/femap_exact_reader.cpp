@@ -60,7 +60,8 @@ void split(std::string_view line, std::vector<std::string_view>& fields)
     fields.clear();
     for (std::size_t at = 0;;) {
         std::size_t comma = line.find(',', at);
-        fields.push_back(trimmed(line.substr(at, comma == std::string_view::npos ? std::string_view::npos : comma - at)));
+        fields.push_back(
+            trimmed(line.substr(at, comma == std::string_view::npos ? std::string_view::npos : comma - at)));
         if (comma == std::string_view::npos) break;
         at = comma + 1;
     }
@@ -96,7 +97,8 @@ int read_element(femap_reader& d, std::string_view first)
     std::int64_t slots[__femap_slot_count] = {};
     std::string_view l;
     for (std::size_t k = 1; k < element_record_lines; ++k) {
-        if (!d.next(l) || trimmed(l) == "-1") return d.fail("element " + std::to_string(ID) + ": the record is cut short");
+        if (!d.next(l) || trimmed(l) == "-1")
+            return d.fail("element " + std::to_string(ID) + ": the record is cut short");
         if (k > 2) continue;
         split(l, d.fields);
         for (std::size_t s = 0; s < 10; ++s)
@@ -141,12 +143,16 @@ int read_blocks(femap_reader& d)
                 return __fail(d.r, io_malformed, d.path,
                               "data block " + std::string(number) + " of line " + std::to_string(opened) +
                                   " is not closed by a \"-1\" line: the file seems cut short");
-            if (trimmed(l) == "-1") closed = true;
-            else if (trimmed(l).empty() || !(nodes || elements)) continue;
-            else if ((nodes ? read_node(d, l) : read_element(d, l)) < 0) return d.r.code;
+            if (trimmed(l) == "-1")
+                closed = true;
+            else if (trimmed(l).empty() || !(nodes || elements))
+                continue;
+            else if ((nodes ? read_node(d, l) : read_element(d, l)) < 0)
+                return d.r.code;
         }
     }
-    if (!any) return __fail(d.r, io_malformed, d.path, "not a FEMAP neutral file: no data block opened by a \"-1\" line");
+    if (!any)
+        return __fail(d.r, io_malformed, d.path, "not a FEMAP neutral file: no data block opened by a \"-1\" line");
     if (!mesh_blocks) return __fail(d.r, io_malformed, d.path, "no data block 403 or 404: the file holds no mesh");
     return 0;
 }

@@ -60,8 +60,9 @@ int __read_FEMAP(std::string const& path, mesh& m, io_report& r)
 {
     blocks_found found;
     if (!split_blocks(__file_text(path), found, r) || !found.any)
-        return __fail(r, io_malformed, path, found.any ? "cut short: the last data block is not closed by a \"-1\" line"
-                                                       : "not a FEMAP neutral file: no data block opened by a \"-1\" line");
+        return __fail(r, io_malformed, path,
+                      found.any ? "cut short: the last data block is not closed by a \"-1\" line"
+                                : "not a FEMAP neutral file: no data block opened by a \"-1\" line");
     dense2D<unsigned> connectM;
     dense1D<unsigned, 8> indices, IDs;
     dense1D<int, 8> FEs;

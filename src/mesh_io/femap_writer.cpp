@@ -7,7 +7,10 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-bool has_record(element_type type) { return __femap_kind_of_type(type) != nullptr; }
+bool has_record(element_type type)
+{
+    return __femap_kind_of_type(type) != nullptr;
+}
 
 }  // namespace
 
@@ -38,7 +41,8 @@ int __write_FEMAP(__output_files& files, std::string const& path, mesh const& m,
             unsigned reference = __reference(b, e, 1);
             out.integer(++ID).put(',').integer(reference).put(',').integer(reference).put(',');
             out.integer(kind->type_code).put(',').integer(kind->topology).text(",1,0,0,0,0,0,0,0,\n");
-            for (unsigned s = 0; s < __femap_slot_count; ++s) out.integer(slots[s]).text(s == 9 || s == 19 ? ",\n" : ",");
+            for (unsigned s = 0; s < __femap_slot_count; ++s)
+                out.integer(slots[s]).text(s == 9 || s == 19 ? ",\n" : ",");
             out.text("0.,0.,0.,0,0,0,0,0,0,\n0.,0.,0.,\n0.,0.,0.,\n0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\n");
         }
     }

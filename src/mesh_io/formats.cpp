@@ -10,7 +10,11 @@ namespace {
 constexpr __format_entry formats[] = {
     {"STL", {".stl"}, __read_STL, __write_STL, __write_STL_faithful},
     {"Wavefront OBJ", {".obj"}, __read_OBJ_exact, __write_OBJ, __write_OBJ_faithful, __read_OBJ},
-    {"NASTRAN", {".bdf", ".nas", ".dat"}, __read_NASTRAN_exact, __write_NASTRAN, __write_NASTRAN_faithful,
+    {"NASTRAN",
+     {".bdf", ".nas", ".dat"},
+     __read_NASTRAN_exact,
+     __write_NASTRAN,
+     __write_NASTRAN_faithful,
      __read_NASTRAN},
     {"FEMAP neutral", {".neu"}, __read_FEMAP_exact, __write_FEMAP, __write_FEMAP_faithful, __read_FEMAP},
     {"Medit", {".mesh"}, __read_medit, __write_medit, __write_medit_faithful},

@@ -24,9 +24,9 @@ void __pass_over(io_report& r, std::string const& what, std::size_t n)
 char const* __type_name(element_type type) noexcept
 {
     static char const* const names[nbr_element_types] = {
-        "NONE",    "NODE",    "EDGE_MIX", "EDGE2",     "EDGE3",     "FACE_MIX",  "FACE_T3",  "FACE_Q4",
-        "FACE_T6", "FACE_Q8", "FACE_Q9",  "SOLID_MIX", "TETRA4",    "TETRA10",   "PYRAMID5", "PYRAMID13",
-        "PYRAMID14", "WEDGE6", "WEDGE15", "WEDGE18",   "HEXA8",     "HEXA20",    "HEXA27"};
+        "NONE",      "NODE",    "EDGE_MIX", "EDGE2",     "EDGE3",  "FACE_MIX", "FACE_T3",  "FACE_Q4",
+        "FACE_T6",   "FACE_Q8", "FACE_Q9",  "SOLID_MIX", "TETRA4", "TETRA10",  "PYRAMID5", "PYRAMID13",
+        "PYRAMID14", "WEDGE6",  "WEDGE15",  "WEDGE18",   "HEXA8",  "HEXA20",   "HEXA27"};
     return type >= 0 && type < static_cast<int>(nbr_element_types) ? names[type] : "unknown type";
 }
 

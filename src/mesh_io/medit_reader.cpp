@@ -18,9 +18,9 @@ struct skipped_keyword {
     char const* name;
     unsigned numbers;
 };
-constexpr skipped_keyword skipped[] = {{"Corners", 1}, {"RequiredVertices", 1}, {"Ridges", 1}, {"RequiredEdges", 1},
-                                       {"Normals", 3}, {"Tangents", 3}, {"NormalAtVertices", 2},
-                                       {"TangentAtVertices", 2}, {"RequiredTriangles", 1}};
+constexpr skipped_keyword skipped[] = {{"Corners", 1},          {"RequiredVertices", 1},  {"Ridges", 1},
+                                       {"RequiredEdges", 1},    {"Normals", 3},           {"Tangents", 3},
+                                       {"NormalAtVertices", 2}, {"TangentAtVertices", 2}, {"RequiredTriangles", 1}};
 
 struct medit_text {
     std::string const& path;
@@ -66,7 +66,9 @@ struct medit_text {
         std::int64_t v;
         if (!integer(v) || v < 0) return fail(std::string(keyword) + ": no count"), false;
         if (static_cast<std::uint64_t>(v) > (text.size() - at) / (2 * numbers))
-            return fail(std::string(keyword) + ": " + std::to_string(v) + " entries cannot fit in the rest of the file"), false;
+            return fail(std::string(keyword) + ": " + std::to_string(v) +
+                        " entries cannot fit in the rest of the file"),
+                   false;
         n = static_cast<std::size_t>(v);
         return true;
     }
@@ -99,7 +101,8 @@ int read_elements(medit_text& t, mesh& m, element_type type)
         std::int64_t v;
         for (unsigned p = 0; p <= kind.count; ++p) {
             if (!t.integer(v) || v < (p < kind.count ? 1 : 0) || v > 0xFFFFFFFFLL)
-                return t.fail(std::string(kind.name) + " " + std::to_string(e + 1) + ": a vertex or the reference is missing");
+                return t.fail(std::string(kind.name) + " " + std::to_string(e + 1) +
+                              ": a vertex or the reference is missing");
             if (p < kind.count)
                 b.connect(kind.nodes[p], e) = static_cast<unsigned>(v - 1);
             else

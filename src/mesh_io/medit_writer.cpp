@@ -6,8 +6,8 @@ namespace tessarium {
 namespace {
 
 // Sections in the order the keywords are usually listed.
-constexpr element_type section_order[] = {ET_EDGE2, ET_FACE_T3, ET_FACE_Q4, ET_TETRA4,
-                                          ET_PYRAMID5, ET_WEDGE6, ET_HEXA8};
+constexpr element_type section_order[] = {ET_EDGE2,    ET_FACE_T3, ET_FACE_Q4, ET_TETRA4,
+                                          ET_PYRAMID5, ET_WEDGE6,  ET_HEXA8};
 
 void put_header(__text_sink& out, std::size_t dim)
 {

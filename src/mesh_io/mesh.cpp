@@ -11,22 +11,29 @@ element_type mixed_member(element_type type) noexcept
 {
     switch (type) {
     case ET_FACE_T3:
-    case ET_FACE_T6: return ET_FACE_T3;
+    case ET_FACE_T6:
+        return ET_FACE_T3;
     case ET_FACE_Q4:
     case ET_FACE_Q8:
-    case ET_FACE_Q9: return ET_FACE_Q4;
+    case ET_FACE_Q9:
+        return ET_FACE_Q4;
     case ET_TETRA4:
-    case ET_TETRA10: return ET_TETRA4;
+    case ET_TETRA10:
+        return ET_TETRA4;
     case ET_PYRAMID5:
     case ET_PYRAMID13:
-    case ET_PYRAMID14: return ET_PYRAMID5;
+    case ET_PYRAMID14:
+        return ET_PYRAMID5;
     case ET_WEDGE6:
     case ET_WEDGE15:
-    case ET_WEDGE18: return ET_WEDGE6;
+    case ET_WEDGE18:
+        return ET_WEDGE6;
     case ET_HEXA8:
     case ET_HEXA20:
-    case ET_HEXA27: return ET_HEXA8;
-    default: return ET_NONE;
+    case ET_HEXA27:
+        return ET_HEXA8;
+    default:
+        return ET_NONE;
     }
 }
 

@@ -46,8 +46,8 @@ private:
 };
 
 using __mesh_reader = int (*)(std::string const& path, mesh& m, io_report& r);
-using __mesh_writer = int (*)(__output_files& files, std::string const& path, mesh const& m,
-                              io_options const& options, io_report& r);
+using __mesh_writer = int (*)(__output_files& files, std::string const& path, mesh const& m, io_options const& options,
+                              io_report& r);
 
 // One format: its extensions (lower case) and its functions; a null reader is a format without
 // one yet. The faithful reader, when there is one, reads through the format function.

@@ -14,7 +14,10 @@ namespace {
 
 constexpr std::size_t max_include_depth = 16;
 
-char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+char upper(char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 bool starts_with_word(std::string_view text, char const* word)
 {
@@ -31,8 +34,7 @@ std::string_view content(std::string_view text)
 {
     std::size_t dollar = text.find('$');
     if (dollar != std::string_view::npos) text = text.substr(0, dollar);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\r' || text.back() == '\t'))
-        text.remove_suffix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\r' || text.back() == '\t')) text.remove_suffix(1);
     return text;
 }
 

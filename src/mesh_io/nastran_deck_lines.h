@@ -19,10 +19,10 @@ namespace tessarium {
 struct __nastran_card {
     std::string name;
     std::vector<std::string_view> fields;  // into the deck's text, or into `expanded`
-    std::deque<std::string> expanded;       // lines with tabs, taken to columns
-    std::size_t line = 0;                   // of the first line
-    std::size_t start = 0;                  // offset of the first line in its deck
-    std::string const* file = nullptr;      // the deck's path
+    std::deque<std::string> expanded;      // lines with tabs, taken to columns
+    std::size_t line = 0;                  // of the first line
+    std::size_t start = 0;                 // offset of the first line in its deck
+    std::string const* file = nullptr;     // the deck's path
 
     // Field k (from 1), blanks kept; empty past the last one.
     std::string_view field(std::size_t k) const noexcept

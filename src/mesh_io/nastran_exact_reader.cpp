@@ -56,7 +56,8 @@ element_card const* find_element_card(std::string const& name)
 // The file position of each local node; CQUAD's nine nodes are in the library's order.
 unsigned char const* file_order(element_type type)
 {
-    static constexpr unsigned char in_order[20] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19};
+    static constexpr unsigned char in_order[20] = {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,
+                                                   10, 11, 12, 13, 14, 15, 16, 17, 18, 19};
     return type == ET_FACE_Q9 ? in_order : __nastran_cells[type].nodes;
 }
 
@@ -117,7 +118,8 @@ int read_grid(reader& d, __nastran_card const& card)
     if (!integer_field(card, 1, g.ID, 0) || g.ID <= 0) return d.fail(card, "without a valid ID");
     if (!integer_field(card, 2, g.CP, 0) || g.CP < 0) return d.fail(card, "with a CP field that is not a system ID");
     for (int k = 0; k < 3; ++k)
-        if (!real_field(card, 3 + k, g.x[k])) return d.fail(card, "coordinate " + std::to_string(k + 1) + " is not a number");
+        if (!real_field(card, 3 + k, g.x[k]))
+            return d.fail(card, "coordinate " + std::to_string(k + 1) + " is not a number");
     d.grids.push_back(g);
     return 0;
 }
@@ -131,7 +133,8 @@ int read_frame(reader& d, __nastran_card const& card)
     double* points[3] = {f.A, f.B, f.C};
     for (int p = 0; p < 3; ++p)
         for (int k = 0; k < 3; ++k)
-            if (!real_field(card, 3 + 3 * p + k, points[p][k])) return d.fail(card, "with a point field that is not a number");
+            if (!real_field(card, 3 + 3 * p + k, points[p][k]))
+                return d.fail(card, "with a point field that is not a number");
     if (!d.frames.emplace(ID, f).second) return d.fail(card, "defines system " + std::to_string(ID) + " again");
     return 0;
 }
@@ -187,16 +190,25 @@ int read_cards(reader& d, std::string text)
         if (card.name != last_name) last_name = card.name, kind = kind_of(card.name, element);
         int code = 0;
         switch (kind) {
-        case card_kind::grid: code = read_grid(d, card); break;
-        case card_kind::frame: code = read_frame(d, card); break;
-        case card_kind::element: code = read_element(d, card, *element); break;
+        case card_kind::grid:
+            code = read_grid(d, card);
+            break;
+        case card_kind::frame:
+            code = read_frame(d, card);
+            break;
+        case card_kind::element:
+            code = read_element(d, card, *element);
+            break;
         case card_kind::include: {
             std::string why;
             if (!deck.include(card, why)) return d.fail(card, why);
             break;
         }
-        case card_kind::begin: break;
-        case card_kind::other: __pass_over(d.r, card.name + " cards", 1); break;
+        case card_kind::begin:
+            break;
+        case card_kind::other:
+            __pass_over(d.r, card.name + " cards", 1);
+            break;
         }
         if (code < 0) return code;
     }
@@ -232,8 +244,7 @@ void to_basic(frame const& f, double const* u, double* x)
         p[1] = u[0] * std::sin(u[1] * degree) * std::sin(u[2] * degree);
         p[2] = u[0] * std::cos(u[1] * degree);
     }
-    for (int k = 0; k < 3; ++k)
-        x[k] = f.origin[k] + f.axes[0][k] * p[0] + f.axes[1][k] * p[1] + f.axes[2][k] * p[2];
+    for (int k = 0; k < 3; ++k) x[k] = f.origin[k] + f.axes[0][k] * p[0] + f.axes[1][k] * p[1] + f.axes[2][k] * p[2];
 }
 
 // Places a frame, and first the one its points are given in. An error text, or empty.

@@ -70,7 +70,10 @@ bool is_element_card(std::string const& name)
 
 // The length of the name a card line begins with: up to 8 characters before a comma, a blank or
 // a star.
-bool ends_name(char c) { return c == ',' || c == ' ' || c == '*' || c == '\t' || c == '\r'; }
+bool ends_name(char c)
+{
+    return c == ',' || c == ' ' || c == '*' || c == '\t' || c == '\r';
+}
 
 std::size_t name_length(char const* line, std::size_t length)
 {

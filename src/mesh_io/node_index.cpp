@@ -25,7 +25,8 @@ std::size_t __node_index::build(std::vector<std::int64_t> const& IDs, std::vecto
     std::stable_sort(sorted_.begin(), sorted_.end(), [](auto const& a, auto const& b) { return a.first < b.first; });
     std::size_t unique = 0;
     for (std::size_t k = 0; k < n; ++k)
-        if (k == 0 || sorted_[k].first != sorted_[k - 1].first) keep[sorted_[k].second] = 1, sorted_[unique++] = sorted_[k];
+        if (k == 0 || sorted_[k].first != sorted_[k - 1].first)
+            keep[sorted_[k].second] = 1, sorted_[unique++] = sorted_[k];
     sorted_.resize(unique);
     std::vector<unsigned> column(n, NONE_ID);
     for (std::size_t j = 0; j < n; ++j)

@@ -7,7 +7,10 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-bool is_blank(char c) noexcept { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+bool is_blank(char c) noexcept
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
 
 bool whole(char const* b, char const* e, double& value) noexcept
 {

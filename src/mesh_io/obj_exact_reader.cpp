@@ -94,7 +94,8 @@ int read_polygon(obj_reader& d, std::string_view rest, bool face)
     }
     std::size_t n = d.corners.size();
     unsigned const* c = d.corners.data();
-    if (n < (face ? 3u : 2u)) return d.fail(face ? "a face of fewer than 3 vertices" : "a line of fewer than 2 vertices");
+    if (n < (face ? 3u : 2u))
+        return d.fail(face ? "a face of fewer than 3 vertices" : "a line of fewer than 2 vertices");
     if (!face) {
         for (std::size_t k = 0; k + 1 < n; ++k) add(d.edges, c + k, 2, d.group);
         return 0;

@@ -55,8 +55,7 @@ int __read_OBJ(std::string const& path, mesh& m, io_report& r)
     dense2D<unsigned> T3, Q4;
     int code = WavefrontOBJ_input(path.c_str(), m.pos, normals, textures, T3, Q4);
     if (code == -199) return __fail(r, io_no_memory, path, "not enough memory for the vertices and faces");
-    if (code < 0)
-        return __fail(r, io_malformed, path, "a \"v\", \"vn\", \"vt\" or \"f\" line is malformed");
+    if (code < 0) return __fail(r, io_malformed, path, "a \"v\", \"vn\", \"vt\" or \"f\" line is malformed");
     if (m.pos.cols() == 0) return __fail(r, io_malformed, path, "no \"v\" line: not a Wavefront OBJ file");
     count_passed_over(path, r);
     keep_per_node(m, "normal", normals, "vn", r);

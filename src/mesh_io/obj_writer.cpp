@@ -6,7 +6,10 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-bool faces_only(element_type type) { return type == ET_FACE_T3 || type == ET_FACE_Q4; }
+bool faces_only(element_type type)
+{
+    return type == ET_FACE_T3 || type == ET_FACE_Q4;
+}
 
 mesh_field const* field_named(mesh const& m, char const* name, std::size_t rows)
 {

@@ -20,7 +20,10 @@ std::string temp_template(std::string const& final_path)
     return final_path.substr(0, cut) + "." + final_path.substr(cut) + ".XXXXXX";
 }
 
-std::string reason() { return std::strerror(errno); }
+std::string reason()
+{
+    return std::strerror(errno);
+}
 
 // mkstemp makes files only the owner may read; the final file gets what fopen would give it. The
 // mask is read, not set and reset, so that other threads never see it changed.

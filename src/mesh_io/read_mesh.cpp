@@ -21,8 +21,8 @@ int read_checked(std::string const& file, mesh& m, bool faithful, io_report& r)
         return __fail(r, io_unsupported, file,
                       "unknown extension; known are .stl .obj .bdf .nas .dat .neu .mesh .sol .vtk .case");
     if (!format->read)
-        return __fail(r, io_unsupported, file, std::string("no reader for this format yet (") + format->name +
-                                                   " files can be written)");
+        return __fail(r, io_unsupported, file,
+                      std::string("no reader for this format yet (") + format->name + " files can be written)");
     std::FILE* probe = std::fopen(file.c_str(), "rb");
     if (!probe) return __fail(r, io_cannot_open, file, std::string("cannot be opened (") + std::strerror(errno) + ")");
     std::fclose(probe);

@@ -9,7 +9,10 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-bool triangles_only(element_type type) { return type == ET_FACE_T3; }
+bool triangles_only(element_type type)
+{
+    return type == ET_FACE_T3;
+}
 
 struct point {
     double x[3];

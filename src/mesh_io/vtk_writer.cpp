@@ -81,7 +81,11 @@ int __write_VTK(__output_files& files, std::string const& path, mesh const& m, i
         for (mesh_field const& f : m.element_fields) put_field(out, m, f, true);
     }
     if (!m.node_fields.empty()) {
-        out.text("POINT_DATA ").integer(m.nbr_nodes()).text("\nFIELD FieldData ").integer(m.node_fields.size()).put('\n');
+        out.text("POINT_DATA ")
+            .integer(m.nbr_nodes())
+            .text("\nFIELD FieldData ")
+            .integer(m.node_fields.size())
+            .put('\n');
         for (mesh_field const& f : m.node_fields) put_field(out, m, f, false);
     }
     if (!m.node_IDs.empty()) __pass_over(r, "node IDs", m.nbr_nodes());

@@ -67,8 +67,7 @@ public:
     template <class Queue>
     int __bound_metrics(dense2D<double> const& pos, dense1D<unsigned, 8> const& graph_offsets,
                         dense1D<unsigned, 8> const& graph_targets, dense1D<unsigned, 8> const& node_ids,
-                        dense1D<unsigned, 8>& status, int direction, double bound, Manager& mgr,
-                        Queue& queue) const
+                        dense1D<unsigned, 8>& status, int direction, double bound, Manager& mgr, Queue& queue) const
     {
         if (bound == DBL_LIMIT || graph_offsets.size() <= 1) return 0;
         std::size_t N = graph_offsets.size() - 1, old = status.size();

@@ -8,10 +8,22 @@
 namespace qv7 {
 namespace {
 
-std::size_t metric_count(dense1D<double, 8> const& metrics) { return metrics.size(); }
-std::size_t metric_count(dense2D<double> const& metrics) { return metrics.cols(); }
-bool metric_rows_fit(dense1D<double, 8> const&, std::size_t) { return true; }
-bool metric_rows_fit(dense2D<double> const& metrics, std::size_t dim) { return metrics.rows() == (dim == 2 ? 3 : 6); }
+std::size_t metric_count(dense1D<double, 8> const& metrics)
+{
+    return metrics.size();
+}
+std::size_t metric_count(dense2D<double> const& metrics)
+{
+    return metrics.cols();
+}
+bool metric_rows_fit(dense1D<double, 8> const&, std::size_t)
+{
+    return true;
+}
+bool metric_rows_fit(dense2D<double> const& metrics, std::size_t dim)
+{
+    return metrics.rows() == (dim == 2 ? 3 : 6);
+}
 
 // 1 to go on, 0 when there is nothing to do, or the code of the first refused argument.
 template <class Metrics>
@@ -22,7 +34,8 @@ int check_arguments(dense2D<double> const& pos, dense2D<unsigned> const& connect
     if (pos.rows() != 2 && pos.rows() != 3) return -1;
     unsigned nodes = pos.cols() < NONE_ID ? unsigned(pos.cols()) : NONE_ID - 1;
     if (!tessarium::check_IDs(connectM, FE_type, nodes)) return -2;
-    if (!tessarium::check_IDs(node_list, nodes) || std::find(node_list.begin(), node_list.end(), NONE_ID) != node_list.end())
+    if (!tessarium::check_IDs(node_list, nodes) ||
+        std::find(node_list.begin(), node_list.end(), NONE_ID) != node_list.end())
         return -4;
     if (0 > bound) return -7;
     if (!metric_rows_fit(metrics, pos.rows())) return -8;
@@ -76,9 +89,8 @@ int bound_tensors(dense2D<double> const& pos, dense2D<unsigned> const& connectM,
     if (rc <= 0) return rc;
     if (pos.rows() == 2)
         return bound_with<Measure<length_measure_anisotropic<2>>,
-                          metrics_mgr_anisotropic<length_measure_anisotropic<2>>>(pos, connectM, node_list,
-                                                                                  list_is_frozen, direction, bound,
-                                                                                  metrics);
+                          metrics_mgr_anisotropic<length_measure_anisotropic<2>>>(
+            pos, connectM, node_list, list_is_frozen, direction, bound, metrics);
     return bound_with<Measure<length_measure_anisotropic<3>>, metrics_mgr_anisotropic<length_measure_anisotropic<3>>>(
         pos, connectM, node_list, list_is_frozen, direction, bound, metrics);
 }
@@ -114,8 +126,7 @@ int bound_metric_gradations(dense2D<double> const& pos, dense2D<unsigned> const&
                             dense1D<unsigned, 8> const& node_list, bool list_is_frozen, int direction, double bound,
                             dense2D<double>& metrics)
 {
-    return bound_tensors<H_shock_measure>(pos, connectM, FE_type, node_list, list_is_frozen, direction, bound,
-                                          metrics);
+    return bound_tensors<H_shock_measure>(pos, connectM, FE_type, node_list, list_is_frozen, direction, bound, metrics);
 }
 
 }  // namespace tessarium

@@ -11,7 +11,10 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-bool is_valid(metric_isotropic h) noexcept { return h > 0.0; }
+bool is_valid(metric_isotropic h) noexcept
+{
+    return h > 0.0;
+}
 template <unsigned D>
 bool is_valid(metric_anisotropic<D> const& M) noexcept
 {

@@ -79,8 +79,8 @@ inline bool eigen_pairs(symmetric_fixed<double, 2> const& A, symmetric_fixed<dou
     if (!(det > 0.0)) return false;
     double s = std::sqrt(det);
     double w = b12 * a11 - a12 * b11;
-    if (!eigen_pairs(b11 * det, s * w, a11 * a11 * b22 - (w + b12 * a11) * a12, lambda[0], lambda[1], &V[0],
-                     &V[2], false))
+    if (!eigen_pairs(b11 * det, s * w, a11 * a11 * b22 - (w + b12 * a11) * a12, lambda[0], lambda[1], &V[0], &V[2],
+                     false))
         return false;
     double scale = 1.0 / (det * a11);
     lambda[0] *= scale;

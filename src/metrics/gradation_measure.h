@@ -28,8 +28,8 @@ void mgr_store(Manager& mgr, unsigned i, Metric const& m)
 // The measure of edge (i, n) with m in place of the metric at i: the variation takes m itself,
 // the shock m, the metric at n and the vector from i to n.
 template <class Measure, class Manager, class Metric>
-double __measure_with(Measure const& measure, dense2D<double> const& pos, Manager const& mgr, unsigned i,
-                      unsigned n, Metric const& m)
+double __measure_with(Measure const& measure, dense2D<double> const& pos, Manager const& mgr, unsigned i, unsigned n,
+                      Metric const& m)
 {
     return measure.val(pos, mgr, i, n, m);
 }

@@ -7,8 +7,7 @@ namespace tessarium {
 namespace {
 
 template <class Metrics>
-int shock(dense2D<double> const& pos, dense2D<unsigned> const& edges, Metrics const& metrics,
-          dense1D<double, 8>& vals)
+int shock(dense2D<double> const& pos, dense2D<unsigned> const& edges, Metrics const& metrics, dense1D<double, 8>& vals)
 {
     if (edges.empty()) return 0;
     if (pos.rows() != 2 && pos.rows() != 3) return -1;

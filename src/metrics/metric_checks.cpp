@@ -43,23 +43,35 @@ std::size_t first_invalid(dense1D<unsigned, 8> const& indices, dense2D<double> c
 
 }  // namespace
 
-unsigned first_invalid_metric(dense1D<double, 8> const& metrics) { return first_invalid(metrics); }
+unsigned first_invalid_metric(dense1D<double, 8> const& metrics)
+{
+    return first_invalid(metrics);
+}
 unsigned first_invalid_metric(dense1D<unsigned, 8> const& indices, dense1D<double, 8> const& metrics)
 {
     return first_invalid(indices, metrics);
 }
-unsigned first_invalid_metric(dense2D<double> const& metrics) { return first_invalid(metrics); }
+unsigned first_invalid_metric(dense2D<double> const& metrics)
+{
+    return first_invalid(metrics);
+}
 unsigned first_invalid_metric(dense1D<unsigned, 8> const& indices, dense2D<double> const& metrics)
 {
     return first_invalid(indices, metrics);
 }
 
-bool are_valid_metrics(dense1D<double, 8> const& metrics) { return first_invalid(metrics) == metrics.size(); }
+bool are_valid_metrics(dense1D<double, 8> const& metrics)
+{
+    return first_invalid(metrics) == metrics.size();
+}
 bool are_valid_metrics(dense1D<unsigned, 8> const& indices, dense1D<double, 8> const& metrics)
 {
     return first_invalid(indices, metrics) == indices.size();
 }
-bool are_valid_metrics(dense2D<double> const& metrics) { return first_invalid(metrics) == metrics.cols(); }
+bool are_valid_metrics(dense2D<double> const& metrics)
+{
+    return first_invalid(metrics) == metrics.cols();
+}
 bool are_valid_metrics(dense1D<unsigned, 8> const& indices, dense2D<double> const& metrics)
 {
     return first_invalid(indices, metrics) == indices.size();

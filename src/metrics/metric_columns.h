@@ -44,9 +44,15 @@ bool __is_valid_column(dense2D<double> const& map, std::size_t j) noexcept
 }
 
 // A size is valid in (0, DBL_LIMIT); NaN is not.
-inline bool __is_valid_size(double h) noexcept { return h > 0.0 && h < DBL_LIMIT; }
+inline bool __is_valid_size(double h) noexcept
+{
+    return h > 0.0 && h < DBL_LIMIT;
+}
 
 // A bound on sizes that bounds nothing.
-inline bool __bounds_nothing(double hmin, double hmax) noexcept { return 0.0 >= hmin && hmax == DBL_LIMIT; }
+inline bool __bounds_nothing(double hmin, double hmax) noexcept
+{
+    return 0.0 >= hmin && hmax == DBL_LIMIT;
+}
 
 }  // namespace qv7

@@ -51,8 +51,7 @@ int metrics_iso_to_aniso2d(dense1D<double, 8> const& sizes, dense2D<double> cons
     return 0;
 }
 
-int metrics_aniso3d_to_aniso2d(dense2D<double> const& tensors3d, dense2D<double> const& bases,
-                               dense2D<double>& tensors)
+int metrics_aniso3d_to_aniso2d(dense2D<double> const& tensors3d, dense2D<double> const& bases, dense2D<double>& tensors)
 {
     if (tensors3d.empty() && bases.empty() && tensors.empty()) return 0;
     if (tensors3d.rows() != 6) return -1;

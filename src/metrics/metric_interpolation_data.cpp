@@ -44,8 +44,7 @@ bool metric_anisotropic_interpolation_data<D>::reinit(symmetric_fixed<double, D>
 }
 
 template <unsigned D>
-bool metric_anisotropic_interpolation_data<D>::compute_metric(double t,
-                                                              symmetric_fixed<double, D>& M) const noexcept
+bool metric_anisotropic_interpolation_data<D>::compute_metric(double t, symmetric_fixed<double, D>& M) const noexcept
 {
     if (!__within_limits(mu_first) || !__within_limits(mu_second)) {
         M = {};

@@ -38,18 +38,19 @@ void iso_to_aniso(double h, symmetric_fixed<double, D>& M)
     for (unsigned k = 0; k < D; ++k) M(k, k) = g;
 }
 
-double dot3(double const* a, double const* b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+double dot3(double const* a, double const* b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
 
 }  // namespace
 
-bool eigen_pairs(symmetric_fixed<double, 2> const& M, vector_fixed<double, 2>& lambda,
-                 matrix_fixed<double, 2, 2>& V)
+bool eigen_pairs(symmetric_fixed<double, 2> const& M, vector_fixed<double, 2>& lambda, matrix_fixed<double, 2, 2>& V)
 {
     return qv7::eigen_pairs(M[0], M[1], M[2], lambda[0], lambda[1], &V[0], &V[2], true);
 }
 
-bool eigen_pairs(symmetric_fixed<double, 3> const& M, vector_fixed<double, 3>& lambda,
-                 matrix_fixed<double, 3, 3>& V)
+bool eigen_pairs(symmetric_fixed<double, 3> const& M, vector_fixed<double, 3>& lambda, matrix_fixed<double, 3, 3>& V)
 {
     return __eigen_decomposition(M, lambda, V);
 }
@@ -66,8 +67,14 @@ bool eigen_pairs(symmetric_fixed<double, 3> const& A, symmetric_fixed<double, 3>
     return qv7::eigen_pairs(A, B, lambda, V, true);
 }
 
-bool is_valid_metric(symmetric_fixed<double, 2> const& M) { return __smallest_eigenvalue(M) > 0.0; }
-bool is_valid_metric(symmetric_fixed<double, 3> const& M) { return __smallest_eigenvalue(M) > 0.0; }
+bool is_valid_metric(symmetric_fixed<double, 2> const& M)
+{
+    return __smallest_eigenvalue(M) > 0.0;
+}
+bool is_valid_metric(symmetric_fixed<double, 3> const& M)
+{
+    return __smallest_eigenvalue(M) > 0.0;
+}
 
 bool minimum_metric(symmetric_fixed<double, 2> const& M1, symmetric_fixed<double, 2> const& M2,
                     symmetric_fixed<double, 2>& M)
@@ -90,11 +97,23 @@ bool maximum_metric(symmetric_fixed<double, 3> const& M1, symmetric_fixed<double
     return on_copies(M1, M2, M, metric_anisotropic<3>::maximum_metric);
 }
 
-int bound_metric(symmetric_fixed<double, 2>& M, double hmin, double hmax) { return bound_one(M, hmin, hmax); }
-int bound_metric(symmetric_fixed<double, 3>& M, double hmin, double hmax) { return bound_one(M, hmin, hmax); }
+int bound_metric(symmetric_fixed<double, 2>& M, double hmin, double hmax)
+{
+    return bound_one(M, hmin, hmax);
+}
+int bound_metric(symmetric_fixed<double, 3>& M, double hmin, double hmax)
+{
+    return bound_one(M, hmin, hmax);
+}
 
-void metric_iso_to_aniso(double h, symmetric_fixed<double, 2>& M) { iso_to_aniso(h, M); }
-void metric_iso_to_aniso(double h, symmetric_fixed<double, 3>& M) { iso_to_aniso(h, M); }
+void metric_iso_to_aniso(double h, symmetric_fixed<double, 2>& M)
+{
+    iso_to_aniso(h, M);
+}
+void metric_iso_to_aniso(double h, symmetric_fixed<double, 3>& M)
+{
+    iso_to_aniso(h, M);
+}
 
 void metric_iso_to_aniso2d(double h, matrix_fixed<double, 3, 2> const& B, symmetric_fixed<double, 2>& M)
 {

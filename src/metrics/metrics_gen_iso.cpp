@@ -26,9 +26,7 @@ int accumulate_edges(dense2D<double> const& pos, dense2D<unsigned> const& connec
 {
     dense1D<unsigned, 8> visits(metrics.size(), 0u);
     if (visits.size() != metrics.size()) return -199;
-    mean_kind kind = power == 0.0         ? mean_kind::shortest
-                     : power == DBL_LIMIT ? mean_kind::longest
-                                          : mean_kind::power;
+    mean_kind kind = power == 0.0 ? mean_kind::shortest : power == DBL_LIMIT ? mean_kind::longest : mean_kind::power;
     // What a node's first visit starts from, forgetting what the array held.
     double start = power > 0.0 ? 0.0 : DBL_LIMIT;
     for (std::size_t j = 0; j < connectM.cols(); ++j) {
@@ -84,9 +82,8 @@ int metrics_gen_iso(dense2D<double> const& pos, dense2D<unsigned> const& connect
     if (!check_IDs(connectM, type, n_nodes)) return -2;
     if (!(power >= 0.0)) return -5;
     if (!grow_zeroed(metrics, pos.cols())) return -199;
-    return __with_elfe(type, -3, [&](auto elfe) {
-        return accumulate_edges<decltype(elfe)>(pos, connectM, metrics, power);
-    });
+    return __with_elfe(type, -3,
+                       [&](auto elfe) { return accumulate_edges<decltype(elfe)>(pos, connectM, metrics, power); });
 }
 
 }  // namespace tessarium

@@ -39,8 +39,7 @@ int compress_indices(dense1D<unsigned, 8>& values, dense1D<unsigned, 8>& unique,
     return __compress(values, unique, map);
 }
 
-int compress_indices_fast(dense1D<unsigned, 8>& values, dense1D<unsigned, 8>& unique,
-                          dense1D<unsigned, 8>& map)
+int compress_indices_fast(dense1D<unsigned, 8>& values, dense1D<unsigned, 8>& unique, dense1D<unsigned, 8>& map)
 {
     unique.clear();
     map.clear();

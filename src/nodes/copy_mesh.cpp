@@ -57,19 +57,21 @@ int copy_mesh(dense2D<double>& pos, dense2D<unsigned>& connectM, vec2 const& T, 
               unsigned nbr_copies, dense2D<unsigned> const& connect)
 {
     dense2D<unsigned> source = connect;
-    return __copy_pattern(pos, connectM, nbr_copies, source, [&](dense2D<double>& p, dense2D<unsigned> const& c, double f) {
-        rotate(p, C, f * angle, c);
-        translate(p, scaled(f, T), c);
-    });
+    return __copy_pattern(pos, connectM, nbr_copies, source,
+                          [&](dense2D<double>& p, dense2D<unsigned> const& c, double f) {
+                              rotate(p, C, f * angle, c);
+                              translate(p, scaled(f, T), c);
+                          });
 }
 
 int copy_mesh(dense2D<double>& pos, dense2D<unsigned>& connectM, vec3 const& T, vec3 const& C, vec3 const& R,
               unsigned nbr_copies, dense2D<unsigned> const& connect)
 {
-    return __copy_pattern(pos, connectM, nbr_copies, connect, [&](dense2D<double>& p, dense2D<unsigned> const& c, double f) {
-        rotate(p, C, scaled(f, R), c);
-        translate(p, scaled(f, T), c);
-    });
+    return __copy_pattern(pos, connectM, nbr_copies, connect,
+                          [&](dense2D<double>& p, dense2D<unsigned> const& c, double f) {
+                              rotate(p, C, scaled(f, R), c);
+                              translate(p, scaled(f, T), c);
+                          });
 }
 
 }  // namespace tessarium

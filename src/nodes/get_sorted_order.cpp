@@ -7,8 +7,7 @@ namespace qv7 {
 
 // Counting sort. offsets[1 + v] first counts the values below v, then serves as the write cursor
 // of value v; once every value is placed it holds the start of v + 1, so offsets[v] is the start of v.
-int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order,
-                     dense1D<unsigned, 8>& offsets)
+int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order, dense1D<unsigned, 8>& offsets)
 {
     order.clear();
     offsets.clear();
@@ -40,8 +39,7 @@ int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& o
 
 namespace tessarium {
 
-int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order,
-                     dense1D<unsigned, 8>& offsets)
+int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order, dense1D<unsigned, 8>& offsets)
 {
     return qv7::get_sorted_order(values, order, offsets);
 }

@@ -40,8 +40,7 @@ void __for_each_index(dense2D<unsigned>& M, F&& f)
 unsigned max_ID(dense1D<unsigned, 8> const& IDs) noexcept;
 unsigned max_ID(dense2D<unsigned> const& connect) noexcept;
 
-int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order,
-                     dense1D<unsigned, 8>& offsets);
+int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& order, dense1D<unsigned, 8>& offsets);
 
 // Scatter of data by perm; see tessarium::permutation. Instantiated for unsigned and double.
 template <class Array>
@@ -52,7 +51,6 @@ int permutation(Array& data, dense1D<unsigned, 8> const& perm);
 // NONE_ID for unused numbers; compress_indices_fast sets only the entries of numbers that occur
 // and leaves the others undefined. 0, or -199 when memory runs out.
 int compress_indices(dense1D<unsigned, 8>& values, dense1D<unsigned, 8>& unique, dense1D<unsigned, 8>& map);
-int compress_indices_fast(dense1D<unsigned, 8>& values, dense1D<unsigned, 8>& unique,
-                          dense1D<unsigned, 8>& map);
+int compress_indices_fast(dense1D<unsigned, 8>& values, dense1D<unsigned, 8>& unique, dense1D<unsigned, 8>& map);
 
 }  // namespace qv7

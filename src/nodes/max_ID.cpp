@@ -32,8 +32,14 @@ unsigned max_ID(dense2D<unsigned> const& connect) noexcept
 
 namespace tessarium {
 
-unsigned max_ID(dense1D<unsigned, 8> const& IDs) noexcept { return qv7::max_ID(IDs); }
-unsigned max_ID(dense2D<unsigned> const& connect) noexcept { return qv7::max_ID(connect); }
+unsigned max_ID(dense1D<unsigned, 8> const& IDs) noexcept
+{
+    return qv7::max_ID(IDs);
+}
+unsigned max_ID(dense2D<unsigned> const& connect) noexcept
+{
+    return qv7::max_ID(connect);
+}
 
 }  // namespace tessarium
 }  // namespace qv7

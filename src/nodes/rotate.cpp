@@ -44,7 +44,10 @@ int __rotate(dense2D<double>& pos, vec3 const& C, vec3 const& R, IDs const* list
 
 }  // namespace
 
-int rotate(dense2D<double>& pos, vec2 const& C, double angle) { return __rotate(pos, C, angle, nullptr); }
+int rotate(dense2D<double>& pos, vec2 const& C, double angle)
+{
+    return __rotate(pos, C, angle, nullptr);
+}
 int rotate(dense2D<double>& pos, vec2 const& C, double angle, IDs const& ids)
 {
     return __rotate(pos, C, angle, &ids);
@@ -54,8 +57,14 @@ int rotate(dense2D<double>& pos, vec2 const& C, double angle, dense2D<unsigned> 
     return rotate(pos, C, angle, __nodes_of(connect));
 }
 
-int rotate(dense2D<double>& pos, vec3 const& C, vec3 const& R) { return __rotate(pos, C, R, nullptr); }
-int rotate(dense2D<double>& pos, vec3 const& C, vec3 const& R, IDs const& ids) { return __rotate(pos, C, R, &ids); }
+int rotate(dense2D<double>& pos, vec3 const& C, vec3 const& R)
+{
+    return __rotate(pos, C, R, nullptr);
+}
+int rotate(dense2D<double>& pos, vec3 const& C, vec3 const& R, IDs const& ids)
+{
+    return __rotate(pos, C, R, &ids);
+}
 int rotate(dense2D<double>& pos, vec3 const& C, vec3 const& R, dense2D<unsigned> const& connect)
 {
     return rotate(pos, C, R, __nodes_of(connect));

@@ -21,7 +21,10 @@ int __translate(dense2D<double>& pos, vector_fixed<double, D> const& T, IDs cons
 
 }  // namespace
 
-int translate(dense2D<double>& pos, vector_fixed<double, 2> const& T) { return __translate(pos, T, nullptr); }
+int translate(dense2D<double>& pos, vector_fixed<double, 2> const& T)
+{
+    return __translate(pos, T, nullptr);
+}
 int translate(dense2D<double>& pos, vector_fixed<double, 2> const& T, IDs const& ids)
 {
     return __translate(pos, T, &ids);
@@ -31,7 +34,10 @@ int translate(dense2D<double>& pos, vector_fixed<double, 2> const& T, dense2D<un
     return translate(pos, T, __nodes_of(connect));
 }
 
-int translate(dense2D<double>& pos, vector_fixed<double, 3> const& T) { return __translate(pos, T, nullptr); }
+int translate(dense2D<double>& pos, vector_fixed<double, 3> const& T)
+{
+    return __translate(pos, T, nullptr);
+}
 int translate(dense2D<double>& pos, vector_fixed<double, 3> const& T, IDs const& ids)
 {
     return __translate(pos, T, &ids);

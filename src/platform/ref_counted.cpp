@@ -3,7 +3,10 @@
 namespace qv7 {
 namespace math1 {
 
-void ref_counted::__destroy() noexcept { delete this; }
+void ref_counted::__destroy() noexcept
+{
+    delete this;
+}
 
 }  // namespace math1
 }  // namespace qv7

@@ -17,7 +17,10 @@ constexpr std::size_t large = std::size_t(32) << 20;
 // far into its mapping, so two large blocks lie alike within their huge pages.
 constexpr std::size_t header = 64;
 
-std::size_t& mapping_length(void* raw) noexcept { return *reinterpret_cast<std::size_t*>(static_cast<char*>(raw) - 16); }
+std::size_t& mapping_length(void* raw) noexcept
+{
+    return *reinterpret_cast<std::size_t*>(static_cast<char*>(raw) - 16);
+}
 
 char* round_up(char* p, std::size_t to) noexcept
 {

@@ -6,7 +6,10 @@
 namespace qv7 {
 namespace elfe_algo {
 
-inline double element_quality(dense2D<double> const&, unsigned const*, elfes::edge2) noexcept { return 1.0; }
+inline double element_quality(dense2D<double> const&, unsigned const*, elfes::edge2) noexcept
+{
+    return 1.0;
+}
 inline double element_quality(dense2D<double> const& coords, unsigned const* nodes, elfes::faceT3) noexcept
 {
     return elfes::faceT3::geometric_quality(coords, nodes);

@@ -27,8 +27,7 @@ double corners_and_scale(dense2D<double> const& coords, unsigned const* nodes, p
 }  // namespace
 
 // Signed in the plane: the smallest corner cross product, negative at a re-entrant corner.
-double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes,
-                                   fixed_size_tag<2u>) noexcept
+double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes, fixed_size_tag<2u>) noexcept
 {
     point3 N[4];
     double HL = corners_and_scale(coords, nodes, N);
@@ -38,8 +37,7 @@ double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const
 }
 
 // Unsigned in space: the smallest corner normal's length, times the warp factor.
-double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes,
-                                   fixed_size_tag<3u>) noexcept
+double faceQ4::__geometric_quality(dense2D<double> const& coords, unsigned const* nodes, fixed_size_tag<3u>) noexcept
 {
     point3 N[4];
     double HL = corners_and_scale(coords, nodes, N);

@@ -15,8 +15,7 @@ void __corner_normals(Coords const& coords, unsigned const* nodes, point3 (&N)[4
 {
     point3 P[4] = {__point(coords, nodes[0]), __point(coords, nodes[1]), __point(coords, nodes[2]),
                    __point(coords, nodes[3])};
-    for (unsigned i = 0; i < 4; ++i)
-        N[i] = __cross(__minus(P[i], P[(i + 3) % 4]), __minus(P[(i + 1) % 4], P[i]));
+    for (unsigned i = 0; i < 4; ++i) N[i] = __cross(__minus(P[i], P[(i + 3) % 4]), __minus(P[(i + 1) % 4], P[i]));
 }
 
 // 1 - angle / pi for the cosine of the larger angle between opposite corner normals, not below 0.

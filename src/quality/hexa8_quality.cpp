@@ -33,7 +33,7 @@ double hexa8::geometric_quality(dense2D<double> const& coords, unsigned const* n
 {
     constexpr double HEXAHEDRON_SCALE = 41.569219381653056;  // 24 sqrt(3)
     return elfe_algo::__corner_and_split_quality<hexa8>(coords, nodes, HEXAHEDRON_SCALE,
-                                                       __min_tet_extent(coords, nodes));
+                                                        __min_tet_extent(coords, nodes));
 }
 
 }  // namespace elfes

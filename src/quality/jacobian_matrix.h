@@ -25,19 +25,33 @@ namespace elfe_algo {
 template <class Elfe>
 struct __shape_of;
 template <>
-struct __shape_of<elfes::edge2> { using type = elfes::shape_edge2; };
+struct __shape_of<elfes::edge2> {
+    using type = elfes::shape_edge2;
+};
 template <>
-struct __shape_of<elfes::faceT3> { using type = elfes::shape_faceT3; };
+struct __shape_of<elfes::faceT3> {
+    using type = elfes::shape_faceT3;
+};
 template <>
-struct __shape_of<elfes::faceQ4> { using type = elfes::shape_faceQ4; };
+struct __shape_of<elfes::faceQ4> {
+    using type = elfes::shape_faceQ4;
+};
 template <>
-struct __shape_of<elfes::tetra4> { using type = elfes::shape_tetra4; };
+struct __shape_of<elfes::tetra4> {
+    using type = elfes::shape_tetra4;
+};
 template <>
-struct __shape_of<elfes::pyramid5> { using type = elfes::shape_pyramid5; };
+struct __shape_of<elfes::pyramid5> {
+    using type = elfes::shape_pyramid5;
+};
 template <>
-struct __shape_of<elfes::wedge6> { using type = elfes::shape_wedge6; };
+struct __shape_of<elfes::wedge6> {
+    using type = elfes::shape_wedge6;
+};
 template <>
-struct __shape_of<elfes::hexa8> { using type = elfes::shape_hexa8; };
+struct __shape_of<elfes::hexa8> {
+    using type = elfes::shape_hexa8;
+};
 
 // Column k of J is dP/d(k-th parameter): each node's coordinates times its shape derivatives.
 // J keeps zeros in the rows that coords lacks.

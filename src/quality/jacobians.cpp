@@ -66,10 +66,14 @@ double jacobian(dense2D<double> const& coords, unsigned const* nodes, hexa8) noe
 double jacobian(dense2D<double> const& coords, unsigned const* nodes, solid_mix) noexcept
 {
     switch (solid_mix::kind(nodes)) {
-    case solid_mix::TETRA: return jacobian(coords, nodes, tetra4{});
-    case solid_mix::PYRAMID: return jacobian(coords, nodes, pyramid5{});
-    case solid_mix::WEDGE: return jacobian(coords, nodes, wedge6{});
-    default: return jacobian(coords, nodes, hexa8{});
+    case solid_mix::TETRA:
+        return jacobian(coords, nodes, tetra4{});
+    case solid_mix::PYRAMID:
+        return jacobian(coords, nodes, pyramid5{});
+    case solid_mix::WEDGE:
+        return jacobian(coords, nodes, wedge6{});
+    default:
+        return jacobian(coords, nodes, hexa8{});
     }
 }
 

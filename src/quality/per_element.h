@@ -37,9 +37,8 @@ int __per_element_values(dense2D<double> const& coords, dense2D<unsigned> const&
     if (!values.resize(connectM.cols())) return -199;
     std::fill(values.begin(), values.end(), 0.0);
     int code = __with_elfe(__narrow(type, connectM.rows()), -3, [&](auto elfe) {
-        elfe_algo::__for_each_element(connectM, elfe, [&](std::size_t j, unsigned const* nodes) {
-            values[j] = value(nodes, elfe);
-        });
+        elfe_algo::__for_each_element(connectM, elfe,
+                                      [&](std::size_t j, unsigned const* nodes) { values[j] = value(nodes, elfe); });
         return 0;
     });
     if (code != 0) values.clear();

@@ -16,9 +16,12 @@ inline point3 __point(dense2D<double> const& coords, unsigned node) noexcept
 {
     double const* c = coords.col(node);
     switch (coords.rows()) {
-    case 1: return {c[0], 0.0, 0.0};
-    case 2: return {c[0], c[1], 0.0};
-    default: return {c[0], c[1], c[2]};
+    case 1:
+        return {c[0], 0.0, 0.0};
+    case 2:
+        return {c[0], c[1], 0.0};
+    default:
+        return {c[0], c[1], c[2]};
     }
 }
 // A column of the local holder of a face and a centroid.
@@ -31,14 +34,23 @@ inline point3 __minus(point3 const& a, point3 const& b) noexcept
 {
     return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
 }
-inline double __dot(point3 const& a, point3 const& b) noexcept { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-inline double __norm(point3 const& a) noexcept { return std::sqrt(__dot(a, a)); }
+inline double __dot(point3 const& a, point3 const& b) noexcept
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+inline double __norm(point3 const& a) noexcept
+{
+    return std::sqrt(__dot(a, a));
+}
 inline point3 __cross(point3 const& a, point3 const& b) noexcept
 {
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 // a . (b x c): six times the signed volume of the tetrahedron on the three edge vectors.
-inline double __det(point3 const& a, point3 const& b, point3 const& c) noexcept { return __dot(a, __cross(b, c)); }
+inline double __det(point3 const& a, point3 const& b, point3 const& c) noexcept
+{
+    return __dot(a, __cross(b, c));
+}
 
 // The extent of the corner at i with the edges towards a, b and c.
 template <class Coords>
@@ -50,11 +62,17 @@ double __corner_extent(Coords const& coords, unsigned const* nodes, unsigned i, 
                  __minus(__point(coords, nodes[c]), P));
 }
 
-inline double __clamp_quality(double q, double low = -1.0) noexcept { return q < low ? low : q > 1.0 ? 1.0 : q; }
+inline double __clamp_quality(double q, double low = -1.0) noexcept
+{
+    return q < low ? low : q > 1.0 ? 1.0 : q;
+}
 
 // The shared scale of the solids' corner measures: a sum of squared sides to the power 3/2,
 // without the cost of pow.
-inline double __pow_three_halves(double s) noexcept { return s * std::sqrt(s); }
+inline double __pow_three_halves(double s) noexcept
+{
+    return s * std::sqrt(s);
+}
 
 }  // namespace elfes
 }  // namespace qv7

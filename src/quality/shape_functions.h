@@ -59,9 +59,7 @@ struct shape_tetra4 {
     double c = 0.0, a = 0.0, b = 0.0, d = 0.0;
 
     shape_tetra4() = default;
-    explicit shape_tetra4(unsigned i) noexcept : id(i), c(CABD[i][0]), a(CABD[i][1]), b(CABD[i][2]), d(CABD[i][3])
-    {
-    }
+    explicit shape_tetra4(unsigned i) noexcept : id(i), c(CABD[i][0]), a(CABD[i][1]), b(CABD[i][2]), d(CABD[i][3]) {}
     double value_at(point3 const& p) const noexcept { return c + a * p[0] + b * p[1] + d * p[2]; }
     point3 derivatives_at(point3 const&) const noexcept { return {a, b, d}; }
 };
@@ -107,7 +105,10 @@ struct shape_wedge6 {
 
     shape_wedge6() = default;
     explicit shape_wedge6(unsigned i) noexcept
-        : id(i), c(shape_faceT3::CAB[i % 3][0]), a(shape_faceT3::CAB[i % 3][1]), b(shape_faceT3::CAB[i % 3][2]),
+        : id(i),
+          c(shape_faceT3::CAB[i % 3][0]),
+          a(shape_faceT3::CAB[i % 3][1]),
+          b(shape_faceT3::CAB[i % 3][2]),
           d(i < 3 ? -0.5 : 0.5)
     {
     }
@@ -128,14 +129,13 @@ struct shape_hexa8 {
 
     shape_hexa8() = default;
     explicit shape_hexa8(unsigned i) noexcept
-        : id(i), a(i == 1 || i == 2 || i == 5 || i == 6 ? 0.5 : -0.5),
-          b(i == 2 || i == 3 || i == 6 || i == 7 ? 0.5 : -0.5), c(i >= 4 ? 0.5 : -0.5)
+        : id(i),
+          a(i == 1 || i == 2 || i == 5 || i == 6 ? 0.5 : -0.5),
+          b(i == 2 || i == 3 || i == 6 || i == 7 ? 0.5 : -0.5),
+          c(i >= 4 ? 0.5 : -0.5)
     {
     }
-    double value_at(point3 const& p) const noexcept
-    {
-        return (0.5 + a * p[0]) * (0.5 + b * p[1]) * (0.5 + c * p[2]);
-    }
+    double value_at(point3 const& p) const noexcept { return (0.5 + a * p[0]) * (0.5 + b * p[1]) * (0.5 + c * p[2]); }
     point3 derivatives_at(point3 const& p) const noexcept
     {
         double fu = 0.5 + a * p[0], fv = 0.5 + b * p[1], fw = 0.5 + c * p[2];

@@ -8,10 +8,14 @@ double solid_mix::geometric_quality(dense2D<double> const& coords, unsigned cons
 {
     double warp;
     switch (kind(nodes)) {
-    case TETRA: return tetra4::geometric_quality(coords, nodes);
-    case PYRAMID: return pyramid5::geometric_quality(coords, nodes, warp);
-    case WEDGE: return wedge6::geometric_quality(coords, nodes);
-    default: return hexa8::geometric_quality(coords, nodes);
+    case TETRA:
+        return tetra4::geometric_quality(coords, nodes);
+    case PYRAMID:
+        return pyramid5::geometric_quality(coords, nodes, warp);
+    case WEDGE:
+        return wedge6::geometric_quality(coords, nodes);
+    default:
+        return hexa8::geometric_quality(coords, nodes);
     }
 }
 

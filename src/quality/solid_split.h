@@ -72,8 +72,7 @@ double __face_pyramids_quality(dense2D<double> const& coords, unsigned const* no
 // centroid, then pyramids on its quadrangles; the smallest quality, stopping at flat, and the
 // smallest warp factor of the pyramids.
 template <class Solid>
-double __split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp,
-                       bool all_values) noexcept
+double __split_quality(dense2D<double> const& coords, unsigned const* nodes, double& warp, bool all_values) noexcept
 {
     constexpr unsigned N = Solid::nbr_rows;
     warp = 1.0;
@@ -81,8 +80,7 @@ double __split_quality(dense2D<double> const& coords, unsigned const* nodes, dou
     double m = 1.0;
     unsigned b = 0;
     for (; Solid::FACES[3][b] == NONE_ID; ++b) {
-        unsigned reversed[3] = {nodes[Solid::FACES[2][b]], nodes[Solid::FACES[1][b]],
-                                nodes[Solid::FACES[0][b]]};
+        unsigned reversed[3] = {nodes[Solid::FACES[2][b]], nodes[Solid::FACES[1][b]], nodes[Solid::FACES[0][b]]};
         m = std::min(m, elfes::tetra4::geometric_quality(coords, reversed, C));
         if (!(m > 1e-12)) return m;
     }

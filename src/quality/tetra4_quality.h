@@ -38,8 +38,8 @@ inline double __edge_vectors_quality(point3 const& a, point3 const& b, point3 co
 
 inline double tetra4::__geometric_quality1(matrix_fixed<double, 3, 3> const& M, bool& unsure) noexcept
 {
-    return __edge_vectors_quality({M(0, 0), M(1, 0), M(2, 0)}, {M(0, 1), M(1, 1), M(2, 1)},
-                                  {M(0, 2), M(1, 2), M(2, 2)}, unsure);
+    return __edge_vectors_quality({M(0, 0), M(1, 0), M(2, 0)}, {M(0, 1), M(1, 1), M(2, 1)}, {M(0, 2), M(1, 2), M(2, 2)},
+                                  unsure);
 }
 
 inline void __set_edge_vectors(point3 const (&p)[4], matrix_fixed<double, 3, 3>& M) noexcept

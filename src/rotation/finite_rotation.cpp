@@ -18,7 +18,10 @@ mat33 skew(vec3 const& v)
     return mat33{{0.0, v[2], -v[1], -v[2], 0.0, v[0], v[1], -v[0], 0.0}};
 }
 
-double dot(vec3 const& a, vec3 const& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+double dot(vec3 const& a, vec3 const& b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
 
 vec3 times(mat33 const& M, vec3 const& v)
 {

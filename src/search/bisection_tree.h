@@ -85,10 +85,7 @@ public:
         nodes.items = placed;
     }
 
-    unsigned find_closest(point_type const& point) const
-    {
-        return find_closest_if(point, yes_predicate<unsigned>());
-    }
+    unsigned find_closest(point_type const& point) const { return find_closest_if(point, yes_predicate<unsigned>()); }
 
     template <class Pred>
     unsigned find_closest_if(point_type const& point, Pred pred) const

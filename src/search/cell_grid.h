@@ -169,8 +169,7 @@ private:
         std::size_t mask = slots_.size() - 1;
         std::size_t s = static_cast<std::size_t>(h >> (64 - slot_bits_));
         for (std::uint64_t v; (v = slots_[s]) != empty_slot; s = (s + 1) & mask)
-            if ((v & tag_mask) == (h & tag_mask) && std::equal(at, at + D, cells_[static_cast<unsigned>(v)].at))
-                break;
+            if ((v & tag_mask) == (h & tag_mask) && std::equal(at, at + D, cells_[static_cast<unsigned>(v)].at)) break;
         return s;
     }
 
@@ -215,12 +214,12 @@ private:
 
     double width_ = 1.0;
     double inverse_width_ = 1.0;
-    double coarse_ = fine_cells;          // from here on, one cell per double
-    std::int64_t first_coarse_ = 0;       // the cell of coarse_
-    dense1D<std::uint64_t, 8> slots_;     // hash tag and cell number, empty_slot for none
-    dense1D<cell_record, 8> cells_;       // cell c holds order_[cells_[c].start .. cells_[c + 1].start)
+    double coarse_ = fine_cells;       // from here on, one cell per double
+    std::int64_t first_coarse_ = 0;    // the cell of coarse_
+    dense1D<std::uint64_t, 8> slots_;  // hash tag and cell number, empty_slot for none
+    dense1D<cell_record, 8> cells_;    // cell c holds order_[cells_[c].start .. cells_[c + 1].start)
     dense1D<unsigned, 8> order_;
-    dense1D<std::uint64_t, 8> filter_;    // bit __filter_bit(hash) set for every stored cell
+    dense1D<std::uint64_t, 8> filter_;  // bit __filter_bit(hash) set for every stored cell
     unsigned filter_shift_ = 57;
     unsigned slot_bits_ = 4;
 };

@@ -26,8 +26,7 @@ public:
     bool build(dense2D<double> const& pos, dense1D<unsigned, 8> const& list)
     {
         pos_ = &pos;
-        if (!group_of_.resize(list.size()) || !first_.resize(0) || !second_.resize(0) || !__reshape(4))
-            return false;
+        if (!group_of_.resize(list.size()) || !first_.resize(0) || !second_.resize(0) || !__reshape(4)) return false;
         for (std::size_t j = 0; j < list.size(); ++j) {
             unsigned node = list[j];
             double const* c = pos.col(node);

@@ -13,10 +13,16 @@ namespace {
 using IDs = dense1D<unsigned, 8>;
 using connect_type = dense2D<unsigned>;
 
-bool rows_supported(dense2D<double> const& pos) noexcept { return pos.rows() == 2 || pos.rows() == 3; }
+bool rows_supported(dense2D<double> const& pos) noexcept
+{
+    return pos.rows() == 2 || pos.rows() == 3;
+}
 
 // A NaN tol passes.
-bool negative(double tol) noexcept { return 0.0 > tol; }
+bool negative(double tol) noexcept
+{
+    return 0.0 > tol;
+}
 
 int list_core(dense2D<double> const& pos, IDs const& IDs1, IDs const& IDs2, IDs& merged, double tol)
 {
@@ -116,8 +122,7 @@ int merge(dense2D<double> const& pos, connect_type& connect1, connect_type& conn
     return result;
 }
 
-int merge(dense2D<double> const& pos, connect_type* connect_begin, connect_type* connect_end, double tol,
-          unsigned mode)
+int merge(dense2D<double> const& pos, connect_type* connect_begin, connect_type* connect_end, double tol, unsigned mode)
 {
     IDs merged;
     return merge(pos, connect_begin, connect_end, merged, tol, mode);

@@ -16,7 +16,10 @@ namespace {
 using tree2_type = bisection_tree<dense2D<double>, 2>;
 using tree3_type = bisection_tree<dense2D<double>, 3>;
 
-bool rows_supported(dense2D<double> const& pos) noexcept { return pos.rows() == 2 || pos.rows() == 3; }
+bool rows_supported(dense2D<double> const& pos) noexcept
+{
+    return pos.rows() == 2 || pos.rows() == 3;
+}
 
 template <class Tree>
 int insert_into(Tree* tree, dense1D<unsigned, 8> const& IDs)
@@ -64,9 +67,15 @@ void in_box(Tree const* tree, double const* box, dense1D<unsigned, 8>& IDs)
 
 }  // namespace
 
-node_detector::node_detector(dense2D<double> const& pos) { reinit(pos); }
+node_detector::node_detector(dense2D<double> const& pos)
+{
+    reinit(pos);
+}
 
-node_detector::node_detector(dense2D<double> const& pos, dense1D<unsigned, 8> const& IDs) { reinit(pos, IDs); }
+node_detector::node_detector(dense2D<double> const& pos, dense1D<unsigned, 8> const& IDs)
+{
+    reinit(pos, IDs);
+}
 
 node_detector::node_detector(dense2D<double> const& pos, dense2D<unsigned> const& connect)
 {
@@ -79,7 +88,10 @@ node_detector::node_detector(dense2D<double> const& pos, dense2D<unsigned> const
     reinit(pos, connect_begin, connect_end);
 }
 
-node_detector::node_detector(node_detector const& other) { *this = other; }
+node_detector::node_detector(node_detector const& other)
+{
+    *this = other;
+}
 
 node_detector& node_detector::operator=(node_detector const& other)
 {
@@ -90,7 +102,10 @@ node_detector& node_detector::operator=(node_detector const& other)
     return *this;
 }
 
-node_detector::~node_detector() { clear(); }
+node_detector::~node_detector()
+{
+    clear();
+}
 
 void node_detector::clear() noexcept
 {

@@ -18,7 +18,10 @@ rand_gen::rand_gen(unsigned seed) noexcept
     __twist();
 }
 
-rand_gen::rand_gen(rand_gen const& other) noexcept { *this = other; }
+rand_gen::rand_gen(rand_gen const& other) noexcept
+{
+    *this = other;
+}
 
 rand_gen& rand_gen::operator=(rand_gen const& other) noexcept
 {

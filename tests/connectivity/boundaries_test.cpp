@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-
 using namespace qv7;
 using namespace qv7::tessarium;
 using namespace test_meshes;
@@ -12,14 +11,20 @@ using lists = std::vector<column>;
 
 namespace {
 
-dense2D<unsigned> columns(unsigned rows, lists const& cols) { return mesh{{}, cols, rows}.connect(); }
+dense2D<unsigned> columns(unsigned rows, lists const& cols)
+{
+    return mesh{{}, cols, rows}.connect();
+}
 lists as_lists(dense2D<unsigned> const& M)
 {
     lists out;
     for (std::size_t j = 0; j < M.cols(); ++j) out.emplace_back(M.col(j), M.col(j) + M.rows());
     return out;
 }
-column as_list(dense1D<unsigned, 8> const& v) { return column(v.begin(), v.end()); }
+column as_list(dense1D<unsigned, 8> const& v)
+{
+    return column(v.begin(), v.end());
+}
 dense2D<unsigned> neighbors_of(dense2D<unsigned> const& C, element_type type)
 {
     dense2D<unsigned> N;
@@ -71,8 +76,15 @@ TEST(MeshBoundaries, MixedRowsAndAppending)
     // A tetrahedron under a wedge: triangles hold NONE_ID in the fourth row.
     dense2D<unsigned> S = columns(8, {{0, 1, 2, 6, NONE, NONE, NONE, NONE}, {0, 1, 2, 3, 4, 5, NONE, NONE}}), all;
     ASSERT_EQ(get_element_boundaries(S, ET_SOLID_MIX, all), 0);
-    EXPECT_EQ(as_lists(all), (lists{{1, 2, 6, NONE}, {2, 0, 6, NONE}, {1, 6, 0, NONE}, {2, 1, 0, NONE},
-                                    {0, 1, 2, NONE}, {3, 5, 4, NONE}, {2, 1, 4, 5}, {0, 2, 5, 3}, {1, 0, 3, 4}}));
+    EXPECT_EQ(as_lists(all), (lists{{1, 2, 6, NONE},
+                                    {2, 0, 6, NONE},
+                                    {1, 6, 0, NONE},
+                                    {2, 1, 0, NONE},
+                                    {0, 1, 2, NONE},
+                                    {3, 5, 4, NONE},
+                                    {2, 1, 4, 5},
+                                    {0, 2, 5, 3},
+                                    {1, 0, 3, 4}}));
     dense2D<unsigned> SN = neighbors_of(S, ET_SOLID_MIX), SB;
     ASSERT_EQ(get_mesh_boundaries(S, SN, ET_SOLID_MIX, SB), 0);
     ASSERT_EQ(get_mesh_boundaries(S, SN, ET_SOLID_MIX, SB), 0);  // twice: the list twice
@@ -85,7 +97,8 @@ TEST(MeshBoundaries, CodesInOrderOfTheChecks)
     dense2D<unsigned> rows3 = columns(3, {{0, 0, 0}}), cols1 = columns(3, {{NONE, NONE, 1}});
     dense2D<unsigned> rows4 = columns(4, {{NONE, NONE, 1, NONE}, {NONE, NONE, 0, NONE}});
     dense2D<unsigned> bad_id = columns(3, {{NONE, NONE, 2}, {NONE, NONE, 0}});
-    dense2D<unsigned> T10 = columns(10, {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}}), T10N = columns(4, {{NONE, NONE, NONE, NONE}});
+    dense2D<unsigned> T10 = columns(10, {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9}}),
+                      T10N = columns(4, {{NONE, NONE, NONE, NONE}});
     EXPECT_EQ(get_mesh_boundaries(empty, N, ET_HEXA8, B), 0);
     EXPECT_EQ(get_mesh_boundaries(C, N, ET_FACE_Q4, rows3), -1);
     EXPECT_EQ(get_mesh_boundaries(C, cols1, ET_FACE_T3, rows3), -2);

@@ -54,11 +54,11 @@ TEST(CopyEdges, StructuredMeshesOfEveryKind)
         std::size_t count;
         std::vector<double> lengths;
     };
-    for (kind const& k : {kind{HEXA, ET_HEXA8, 8, hexa, {1}}, kind{HEXA, ET_HEXA27, 27, hexa, {1}},
-                          kind{HEXA, ET_HEXA20, 20, 0, {}}, kind{TETRAS, ET_TETRA4, 4, tets, {1, r2, r3}},
-                          kind{TETRAS, ET_TETRA10, 10, tets, {1, r2, r3}}, kind{WEDGES, ET_WEDGE15, 15, 0, {}},
-                          kind{WEDGES, ET_SOLID_MIX, 6, wedges, {1, r2}},
-                          kind{PYRAMIDS, ET_PYRAMID14, 14, pyramids, {1, r3 / 2}}}) {
+    for (kind const& k :
+         {kind{HEXA, ET_HEXA8, 8, hexa, {1}}, kind{HEXA, ET_HEXA27, 27, hexa, {1}}, kind{HEXA, ET_HEXA20, 20, 0, {}},
+          kind{TETRAS, ET_TETRA4, 4, tets, {1, r2, r3}}, kind{TETRAS, ET_TETRA10, 10, tets, {1, r2, r3}},
+          kind{WEDGES, ET_WEDGE15, 15, 0, {}}, kind{WEDGES, ET_SOLID_MIX, 6, wedges, {1, r2}},
+          kind{PYRAMIDS, ET_PYRAMID14, 14, pyramids, {1, r3 / 2}}}) {
         mesh m = box(a, b, c, k.s, k.rows);
         dense2D<unsigned> E;
         ASSERT_EQ(copy_edges(m.connect(), k.type, E), 0);
@@ -113,10 +113,14 @@ TEST(CopyEdges, AppendsAndRefuses)
     ASSERT_EQ(E.cols(), 6u);
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), E.col(0)));
     dense1D<int, 8> types(1, ET_FACE_T3), bad_type(1, 99);
-    int const codes[] = {copy_edges(dense2D<unsigned>(), ET_TETRA4, three_rows), copy_edges(C, ET_TETRA4, E),
-                         copy_edges(C, ET_FACE_T3, three_rows), copy_edges(&C + 1, &C, types, E),
-                         copy_edges(&C, &C, types, E), copy_edges(&C, &C + 1, types, three_rows),
-                         copy_edges(&C, &C + 1, bad_type, E), copy_edges(C, element_type(99), E)};
+    int const codes[] = {copy_edges(dense2D<unsigned>(), ET_TETRA4, three_rows),
+                         copy_edges(C, ET_TETRA4, E),
+                         copy_edges(C, ET_FACE_T3, three_rows),
+                         copy_edges(&C + 1, &C, types, E),
+                         copy_edges(&C, &C, types, E),
+                         copy_edges(&C, &C + 1, types, three_rows),
+                         copy_edges(&C, &C + 1, bad_type, E),
+                         copy_edges(C, element_type(99), E)};
     EXPECT_EQ(std::vector<int>(codes, codes + 8), (std::vector<int>{0, -1, -3, -2, -3, -4, -1, -1}));
     // Without memory for the radix sort's copy (the second allocation) the list is sorted all the
     // same; without memory for the matrix, -199.
@@ -146,8 +150,8 @@ TEST(EdgeLists, RemovalSubtractionAndSorting)
 
     using ints = std::vector<int>;
     using row = std::tuple<ints, ints, ints>;  // first range, second range, what is left
-    for (auto const& [first, second, left] :
-         {row{{1, 2, 2, 3, 5}, {2, 2, 2, 4}, {1, 3, 5}}, row{{1, 3, 5}, {0, 2, 4, 6}, {1, 3, 5}}, row{{1, 3}, {}, {1, 3}}}) {
+    for (auto const& [first, second, left] : {row{{1, 2, 2, 3, 5}, {2, 2, 2, 4}, {1, 3, 5}},
+                                              row{{1, 3, 5}, {0, 2, 4, 6}, {1, 3, 5}}, row{{1, 3}, {}, {1, 3}}}) {
         ints v = first;
         v.erase(set_subtract(v.begin(), v.end(), second.begin(), second.end()), v.end());
         EXPECT_EQ(v, left);

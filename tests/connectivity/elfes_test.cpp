@@ -30,7 +30,8 @@ lists local_lists(column const& row)
     unsigned count = Edges ? Elfe::nbr_edges(row.data()) : Elfe::nbr_boundaries(row.data());
     for (unsigned b = 0; b < count; ++b) {
         unsigned out[4];
-        unsigned* end = Edges ? Elfe::copy_edge_nodes(b, row.data(), out) : Elfe::copy_boundary_nodes(b, row.data(), out);
+        unsigned* end =
+            Edges ? Elfe::copy_edge_nodes(b, row.data(), out) : Elfe::copy_boundary_nodes(b, row.data(), out);
         all.emplace_back(out, end);
         for (unsigned& v : all.back()) v -= 10;
     }
@@ -58,8 +59,7 @@ void expect_closed(unsigned n)
         EXPECT_EQ(count + sides.count({s.second, s.first}), 2u) << s.first << "-" << s.second;
         undirected.insert(std::minmax(s.first, s.second));
     }
-    for (auto const& e : local_lists<Elfe, true>(local_row<Elfe>(n)))
-        edges.insert(std::minmax(e[0], e[1]));
+    for (auto const& e : local_lists<Elfe, true>(local_row<Elfe>(n))) edges.insert(std::minmax(e[0], e[1]));
     EXPECT_EQ(undirected, edges);
     EXPECT_EQ(n - edges.size() + faces.size(), 2u);
 }

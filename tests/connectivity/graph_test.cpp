@@ -22,7 +22,10 @@ dense1D<unsigned, 8> make(list const& v)
     std::copy(v.begin(), v.end(), a.begin());
     return a;
 }
-list as_list(dense1D<unsigned, 8> const& a) { return list(a.begin(), a.end()); }
+list as_list(dense1D<unsigned, 8> const& a)
+{
+    return list(a.begin(), a.end());
+}
 
 // Groups of a compressed list as vectors.
 std::vector<list> groups(dense1D<unsigned, 8> const& offsets, dense1D<unsigned, 8> const& indices)
@@ -80,7 +83,8 @@ TEST(NodeGraph, MatchesBruteForceOnMixedAndRandomConnectivities)
         // A view with a leading dimension above its rows is packed first.
         qv7::dense2D<unsigned> wide;
         wide.resize(connect.rows() + 2, connect.cols(), 5u);
-        for (std::size_t e = 0; e < connect.cols(); ++e) std::copy(connect.col(e), connect.col(e) + connect.rows(), wide.col(e));
+        for (std::size_t e = 0; e < connect.cols(); ++e)
+            std::copy(connect.col(e), connect.col(e) + connect.rows(), wide.col(e));
         ASSERT_EQ(qv7::get_graph(wide.submatrix(0, wide.cols(), connect.rows()), goff, gtar), 0);
         EXPECT_EQ(groups(goff, gtar), nbrs);
     }

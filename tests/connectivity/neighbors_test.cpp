@@ -4,15 +4,20 @@
 
 #include <gtest/gtest.h>
 
-
 using namespace qv7;
 using namespace test_meshes;
 using tessarium::get_neighbors;
 
 namespace {
 
-dense2D<unsigned> columns(unsigned rows, std::vector<column> const& cols) { return mesh{{}, cols, rows}.connect(); }
-column flat(dense2D<unsigned> const& M) { return column(M.col(0), M.col(0) + M.rows() * M.cols()); }
+dense2D<unsigned> columns(unsigned rows, std::vector<column> const& cols)
+{
+    return mesh{{}, cols, rows}.connect();
+}
+column flat(dense2D<unsigned> const& M)
+{
+    return column(M.col(0), M.col(0) + M.rows() * M.cols());
+}
 
 template <class Elfe>
 std::vector<point> boundary_points(mesh const& m, dense2D<unsigned> const& C, std::size_t e, unsigned b, column& nodes)
@@ -106,7 +111,8 @@ TEST(Neighbors, StructuredMeshesByGeometry)
 TEST(Neighbors, SharedByMoreThanTwo)
 {
     // A book of three pages around the side (0, 1), and a star of three edges at node 9.
-    dense2D<unsigned> book = columns(3, {{0, 1, 2}, {1, 0, 3}, {0, 1, 4}}), star = columns(2, {{0, 9}, {1, 9}, {2, 9}}), N;
+    dense2D<unsigned> book = columns(3, {{0, 1, 2}, {1, 0, 3}, {0, 1, 4}}), star = columns(2, {{0, 9}, {1, 9}, {2, 9}}),
+                      N;
     ASSERT_EQ(get_neighbors(book, ET_FACE_T3, false, N), 0);
     EXPECT_EQ(flat(N), column(9, NONE));
     ASSERT_EQ(get_neighbors(book, ET_FACE_T3, true, N), 0);  // later pages name the first, the first the last

@@ -20,7 +20,10 @@ namespace {
 using ulong = unsigned long;
 using column = std::vector<unsigned>;
 
-column flat(dense2D<unsigned> const& M) { return column(M.col(0), M.col(0) + M.rows() * M.cols()); }
+column flat(dense2D<unsigned> const& M)
+{
+    return column(M.col(0), M.col(0) + M.rows() * M.cols());
+}
 
 // Boundaries alike (same nodes, either sense) form a class, taken in boundary-ID order. Mode 0:
 // the first names the last, the others the first. Modes 1 and 2: only a class of two is paired;
@@ -43,9 +46,8 @@ int sorted_neighbors(dense2D<unsigned> const& C, column& N, int mode)
         std::sort(e.sorted.begin(), e.sorted.end());
         all.push_back(e);
     }
-    std::sort(all.begin(), all.end(), [](entry const& a, entry const& b) {
-        return a.sorted != b.sorted ? a.sorted < b.sorted : a.id < b.id;
-    });
+    std::sort(all.begin(), all.end(),
+              [](entry const& a, entry const& b) { return a.sorted != b.sorted ? a.sorted < b.sorted : a.id < b.id; });
     N.assign(S * C.cols(), NONE_ID);
     int code = 0;
     std::vector<bool> taken(all.size());
@@ -62,7 +64,8 @@ int sorted_neighbors(dense2D<unsigned> const& C, column& N, int mode)
             for (std::size_t k = 1; k < cls.size(); ++k) N[all[cls[k]].id] = unsigned(first / S);
             continue;
         }
-        if (mode == 2 && (cls.size() > 2 || Elfe::compare_boundaries(all[i].nodes.data(), all[cls[1]].nodes.data()) != -1))
+        if (mode == 2 &&
+            (cls.size() > 2 || Elfe::compare_boundaries(all[i].nodes.data(), all[cls[1]].nodes.data()) != -1))
             code = -1;
         if (cls.size() == 2) N[first] = unsigned(last / S), N[last] = unsigned(first / S);
     }
@@ -113,11 +116,14 @@ void expect_reference_in_one_bucket(dense2D<unsigned> const& C, int mode)
 template <class Elfe>
 dense2D<unsigned> random_mesh(std::mt19937& rng, unsigned elements, unsigned nodes)
 {
-    constexpr bool faces = std::is_same<Elfe, elfes::face_mix>::value, solids = std::is_same<Elfe, elfes::solid_mix>::value;
+    constexpr bool faces = std::is_same<Elfe, elfes::face_mix>::value,
+                   solids = std::is_same<Elfe, elfes::solid_mix>::value;
     dense2D<unsigned> C;
     C.resize(Elfe::nbr_rows, elements, NONE_ID);
     for (unsigned e = 0; e < elements; ++e) {
-        unsigned used = faces ? 3 + rng() % 2 : solids ? std::array<unsigned, 4>{4, 5, 6, 8}[rng() % 4] : Elfe::nbr_rows;
+        unsigned used = faces    ? 3 + rng() % 2
+                        : solids ? std::array<unsigned, 4>{4, 5, 6, 8}[rng() % 4]
+                                 : Elfe::nbr_rows;
         for (unsigned r = 0; r < used; ++r) C(r, e) = rng() % nodes;
         if (solids && rng() % 8 == 0) C(rng() % 8, e) = NONE_ID;
     }
@@ -129,7 +135,9 @@ void compare_on_random_meshes(unsigned seed)
 {
     std::mt19937 rng(seed);
     for (unsigned trial = 0; trial < 40 && !::testing::Test::HasFatalFailure(); ++trial) {
-        unsigned elements = trial == 0 ? 0 : trial <= 4 ? 32 / Elfe::stride - 1 + trial : 1 + rng() % (trial % 4 ? 80 : 600);
+        unsigned elements = trial == 0   ? 0
+                            : trial <= 4 ? 32 / Elfe::stride - 1 + trial
+                                         : 1 + rng() % (trial % 4 ? 80 : 600);
         dense2D<unsigned> C = random_mesh<Elfe>(rng, elements, 1 + rng() % (trial % 3 ? 60 : 8)), N;
         for (int mode : {0, 1, 2}) {
             int code = elfe_algo::get_neighbors_matrix(C, N, mode, Elfe{});
@@ -193,8 +201,9 @@ TEST(Pairing, OrientationCheckFailsAfterManyWrites)
         std::copy(C.col(copied), C.col(copied) + 4, D.col(C.cols()));
         int code = elfe_algo::get_neighbors_matrix(D, N, 2, elfes::tetra4{});
         expect_reference<elfes::tetra4>(flat(N), code, D, 2, "box and a copy");
-        most_written = std::max(most_written, long(std::count_if(N.col(0), N.col(0) + 4 * D.cols(),
-                                                                 [](unsigned n) { return n != NONE_ID; })));
+        most_written =
+            std::max(most_written,
+                     long(std::count_if(N.col(0), N.col(0) + 4 * D.cols(), [](unsigned n) { return n != NONE_ID; })));
     }
     EXPECT_GT(most_written, 1500);  // some failures come after several runs of held writes
 }

@@ -27,10 +27,14 @@ struct kind {
 // first table), and a chain of edges.
 std::vector<kind> kinds()
 {
-    return {{box(2, 2, 2, HEXA, 8), ET_HEXA8, 8},         {box(2, 2, 2, TETRAS, 4), ET_TETRA4, 24},
-            {box(2, 2, 2, WEDGES, 6), ET_WEDGE6, 12},     {box(2, 2, 2, PYRAMIDS, 5), ET_PYRAMID5, 24},
-            {box(4, 4, 4, TETRAS, 8), ET_SOLID_MIX, 24},  {box(2, 2, 2, WEDGES, 8), ET_SOLID_MIX, 12},
-            {grid(2, 2, 0, 4), ET_FACE_Q4, 4},            {grid(2, 2, 1, 3), ET_FACE_T3, 6},
+    return {{box(2, 2, 2, HEXA, 8), ET_HEXA8, 8},
+            {box(2, 2, 2, TETRAS, 4), ET_TETRA4, 24},
+            {box(2, 2, 2, WEDGES, 6), ET_WEDGE6, 12},
+            {box(2, 2, 2, PYRAMIDS, 5), ET_PYRAMID5, 24},
+            {box(4, 4, 4, TETRAS, 8), ET_SOLID_MIX, 24},
+            {box(2, 2, 2, WEDGES, 8), ET_SOLID_MIX, 12},
+            {grid(2, 2, 0, 4), ET_FACE_Q4, 4},
+            {grid(2, 2, 1, 3), ET_FACE_T3, 6},
             {grid(2, 2, 2, 4), ET_FACE_MIX, 5},
             {mesh{{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}}, {{0, 1}, {1, 2}, {2, 3}}, 2}, ET_EDGE2, 2}};
 }
@@ -59,7 +63,10 @@ shell_result shell(unsigned node, unsigned seed, dense2D<unsigned> const& C, den
     return {code, list(out.begin(), out.end()), closed};
 }
 
-list as_list(dense1D<unsigned, 8> const& v) { return list(v.begin(), v.end()); }
+list as_list(dense1D<unsigned, 8> const& v)
+{
+    return list(v.begin(), v.end());
+}
 
 }  // namespace
 
@@ -102,8 +109,9 @@ TEST(NodeShell, DepthFirstThroughNeighboursOnly)
     // Side (0, 1) of the other fan is not found from there; (0, 6) is, from the other side.
     dense1D<unsigned, 8> ancestors(7, 3u), found;
     unsigned stride = 0;
-    EXPECT_EQ(get_elements_on_boundaries(mesh{{}, {{0, 1}, {0, 6}}, 2}.connect(), F, FN, ancestors, ET_FACE_T3,
-                                         found, stride), 0);
+    EXPECT_EQ(get_elements_on_boundaries(mesh{{}, {{0, 1}, {0, 6}}, 2}.connect(), F, FN, ancestors, ET_FACE_T3, found,
+                                         stride),
+              0);
     EXPECT_EQ(as_list(found), (list{NONE, 3 * 3 + 1}));
     // A triangle that lacks the node ends the walk, at the seed or further on.
     EXPECT_EQ(shell(4, 0, F, FN, ET_FACE_T3).code, -1);
@@ -140,8 +148,8 @@ TEST(ElementsOnBoundaries, MapsBoundariesBackToTheirElements)
         ASSERT_EQ(get_elements_on_boundaries(reversed, C, N, ancestors, k.type, found, found_stride), 0);
         EXPECT_EQ(as_list(found), as_list(ids));
         // Tetrahedra: a seed that lacks the node lists all its faces, and the walk goes on.
-        if (element_dim(k.type) < 3 || k.m.elements[0].size() - std::count(k.m.elements[0].begin(),
-                                                                           k.m.elements[0].end(), NONE) != 4)
+        if (element_dim(k.type) < 3 ||
+            k.m.elements[0].size() - std::count(k.m.elements[0].begin(), k.m.elements[0].end(), NONE) != 4)
             continue;
         std::fill(ancestors.begin(), ancestors.end(), 0u);
         ASSERT_EQ(get_elements_on_boundaries(skin, C, N, ancestors, k.type, found, found_stride), 0);

@@ -15,8 +15,14 @@ using list = std::vector<unsigned>;
 
 namespace {
 
-list as_list(dense1D<unsigned, 8> const& v) { return list(v.begin(), v.end()); }
-list flat(dense2D<unsigned> const& M) { return list(M.col(0), M.col(0) + M.rows() * M.cols()); }
+list as_list(dense1D<unsigned, 8> const& v)
+{
+    return list(v.begin(), v.end());
+}
+list flat(dense2D<unsigned> const& M)
+{
+    return list(M.col(0), M.col(0) + M.rows() * M.cols());
+}
 dense2D<unsigned> neighbors_of(dense2D<unsigned> const& C, element_type type)
 {
     dense2D<unsigned> N;
@@ -51,7 +57,8 @@ TEST(Subdomains, PiecesInOrderAndReordered)
     // Reordered: the columns in that order, the neighbours those found afresh.
     ASSERT_EQ(get_subdomains(R, RN, offsets), 0);
     EXPECT_EQ(as_list(offsets), (list{0, 24, 48, 72}));
-    for (unsigned i = 0; i < R.cols(); ++i) EXPECT_EQ(list(R.col(i), R.col(i) + 4), list(C.col(indices[i]), C.col(indices[i]) + 4));
+    for (unsigned i = 0; i < R.cols(); ++i)
+        EXPECT_EQ(list(R.col(i), R.col(i) + 4), list(C.col(indices[i]), C.col(indices[i]) + 4));
     EXPECT_EQ(flat(RN), flat(neighbors_of(R, ET_TETRA4)));
 }
 
@@ -88,16 +95,21 @@ TEST(Subdomains, ReorderingUnderFailingMemory)
         test_alloc::reset();
         if (code == 0) continue;
         ASSERT_EQ(code, -199);
-        if (flat(C) == flat(C0) && flat(N) == flat(N0)) ++kept;  // failed while finding the pieces
-        else if (C.empty() && N.empty() && offsets.empty()) ++cleared;  // failed while reordering
-        else ADD_FAILURE() << "half-done arrays after failure " << k;
+        if (flat(C) == flat(C0) && flat(N) == flat(N0))
+            ++kept;  // failed while finding the pieces
+        else if (C.empty() && N.empty() && offsets.empty())
+            ++cleared;  // failed while reordering
+        else
+            ADD_FAILURE() << "half-done arrays after failure " << k;
     }
     EXPECT_TRUE(kept > 0 && cleared > 0);
 }
 
 TEST(ColorsBoundaries, InterfacesOfColours)
 {
-    for (auto [s, type, rows] : {std::tuple{HEXA, ET_HEXA8, 8u}, {TETRAS, ET_TETRA4, 4u}, {WEDGES, ET_SOLID_MIX, 8u},
+    for (auto [s, type, rows] : {std::tuple{HEXA, ET_HEXA8, 8u},
+                                 {TETRAS, ET_TETRA4, 4u},
+                                 {WEDGES, ET_SOLID_MIX, 8u},
                                  {PYRAMIDS, ET_PYRAMID5, 5u}}) {
         mesh m = box(2, 3, 2, s, rows);
         dense2D<unsigned> C = m.connect(), N = neighbors_of(C, type), skin, one, halves, both;

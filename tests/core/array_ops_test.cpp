@@ -79,7 +79,6 @@ TEST(MatmatPushBack, AppendsColumnsInEveryForm)
     ASSERT_TRUE(matmat::push_back(top, C));
     EXPECT_EQ(C.rows(), 1u);
     EXPECT_EQ(C(0, 2), 2u);
-
 }
 
 TEST(VecvecPushBack, AppendsAndKeepsTheOddFailure)

@@ -100,7 +100,10 @@ TEST(SmallProducts, TransposedInverse)
 
 namespace {
 
-bool factor(double (&a)[6]) { return matmat::__Cholesky_factor(a[0], a[1], a[2], a[3], a[4], a[5]); }
+bool factor(double (&a)[6])
+{
+    return matmat::__Cholesky_factor(a[0], a[1], a[2], a[3], a[4], a[5]);
+}
 
 }  // namespace
 
@@ -110,8 +113,12 @@ TEST(Cholesky, FactorsSemidefiniteMatrices)
     double const A[6] = {4, 2, 5, -2, 1, 6};
     ASSERT_TRUE(factor(a));
     // transpose(R) R with R upper = [a00 a01 a02; 0 a11 a12; 0 0 a22] gives A back.
-    double const RtR[6] = {a[0] * a[0], a[0] * a[1], a[1] * a[1] + a[2] * a[2], a[0] * a[3],
-                           a[1] * a[3] + a[2] * a[4], a[3] * a[3] + a[4] * a[4] + a[5] * a[5]};
+    double const RtR[6] = {a[0] * a[0],
+                           a[0] * a[1],
+                           a[1] * a[1] + a[2] * a[2],
+                           a[0] * a[3],
+                           a[1] * a[3] + a[2] * a[4],
+                           a[3] * a[3] + a[4] * a[4] + a[5] * a[5]};
     for (int k = 0; k < 6; ++k) EXPECT_NEAR(RtR[k], A[k], 1e-14) << k;
 
     double const nan = std::numeric_limits<double>::quiet_NaN();
@@ -124,9 +131,9 @@ TEST(Cholesky, FactorsSemidefiniteMatrices)
         {{0, 0, 0, 0, 0, 9}, true, {0, 0, 0, 0, 0, 3}},  // only a22
         {{4, 0, 0, 2, 0, 5}, true, {2, 0, 0, 1, 0, 2}},  // row 1 zero: the (0, 2) block alone
         {{0, 0, 4, 0, 2, 5}, true, {0, 0, 2, 0, 1, 2}},  // row 0 zero: the (1, 2) block alone
-        {{1, 2, 1, 0, 0, 1}, false, {}},                  // indefinite
-        {{-1, 0.5, 1, 0, 0, 1}, false, {}},               // negative pivot
-        {{1, 0, 1, 0, 0, nan}, false, {}},                // NaN fails every test
+        {{1, 2, 1, 0, 0, 1}, false, {}},                 // indefinite
+        {{-1, 0.5, 1, 0, 0, 1}, false, {}},              // negative pivot
+        {{1, 0, 1, 0, 0, nan}, false, {}},               // NaN fails every test
     };
     for (auto& c : cases) {
         ASSERT_EQ(factor(c.in), c.ok);

@@ -38,33 +38,32 @@ std::string const two_nodes = header + fields({2}) +
 
 TEST(EnsightOutput, EveryTypeOnePartPerWrittenGroup)
 {
-    typed_groups all = one_element_per_type({ET_EDGE2, ET_EDGE3, ET_FACE_T3, ET_FACE_Q4, ET_FACE_T6, ET_FACE_Q8,
-                                             ET_FACE_Q9, ET_TETRA4, ET_TETRA10, ET_PYRAMID5, ET_PYRAMID13,
-                                             ET_PYRAMID14, ET_WEDGE6, ET_WEDGE15, ET_WEDGE18, ET_HEXA8,
-                                             ET_HEXA20, ET_HEXA27, ET_NODE, ET_EDGE_MIX, ET_FACE_MIX,
-                                             ET_SOLID_MIX, ET_TETRA4, ET_TETRA4});
+    typed_groups all = one_element_per_type(
+        {ET_EDGE2,   ET_EDGE3,    ET_FACE_T3,   ET_FACE_Q4,   ET_FACE_T6,  ET_FACE_Q8,   ET_FACE_Q9, ET_TETRA4,
+         ET_TETRA10, ET_PYRAMID5, ET_PYRAMID13, ET_PYRAMID14, ET_WEDGE6,   ET_WEDGE15,   ET_WEDGE18, ET_HEXA8,
+         ET_HEXA20,  ET_HEXA27,   ET_NODE,      ET_EDGE_MIX,  ET_FACE_MIX, ET_SOLID_MIX, ET_TETRA4,  ET_TETRA4});
     all.groups[22] = dense2D<unsigned>();                   // an empty group uses up its number
     all.groups[23] = connect(4, {0, 1, 2, 3, 4, 5, 6, 7});  // element numbers restart in each part
     // Node indices are not bounded here: 27 rows over two nodes pass.
     std::string path = temp_path("all_types.geo");
     ASSERT_EQ(ensight_output(path.c_str(), coords(1, {1, -2.5}), all.first(), all.last(), all.FEs), 0);
-    EXPECT_EQ(contents(path), two_nodes +                                                                   //
-                                  part(1, "bar2", 1) + fields({1, 1, 2}) +                                  //
-                                  part(2, "bar3", 1) + fields({1, 1, 2, 3}) +                               //
-                                  part(3, "tria3", 1) + fields({1, 1, 2, 3}) +                              //
-                                  part(4, "quad4", 1) + fields({1, 1, 2, 3, 4}) +                           //
-                                  part(5, "tria6", 1) + fields({1, 1, 2, 3, 6, 4, 5}) +                     //
-                                  fields({1, 1, 2, 3, 4, 5, 6}) +                                           //
-                                  part(6, "quad8", 1) + fields({1, 1, 2, 3, 4, 5, 6, 7, 8}) +               //
-                                  part(7, "quad8", 1) + fields({1, 1, 2, 3, 4, 5, 6, 7, 8}) +               //
-                                  part(8, "tetra4", 1) + fields({1, 1, 3, 2, 4}) +                          //
-                                  part(9, "tetra10", 1) + fields({1, 1, 3, 2, 4, 6, 5, 7, 8, 10, 9}) +      //
-                                  part(13, "penta6", 1) + fields({1, 1, 2, 3, 4, 5, 6}) +                   //
-                                  part(15, "penta6", 1) + fields({1, 1, 2, 3, 4, 5, 6}) +                   //
-                                  part(16, "hexa8", 1) + fields({1, 1, 2, 3, 4, 5, 6, 7, 8}) +              //
-                                  part(17, "hexa20", 1) +                                                   //
+    EXPECT_EQ(contents(path), two_nodes +                                                               //
+                                  part(1, "bar2", 1) + fields({1, 1, 2}) +                              //
+                                  part(2, "bar3", 1) + fields({1, 1, 2, 3}) +                           //
+                                  part(3, "tria3", 1) + fields({1, 1, 2, 3}) +                          //
+                                  part(4, "quad4", 1) + fields({1, 1, 2, 3, 4}) +                       //
+                                  part(5, "tria6", 1) + fields({1, 1, 2, 3, 6, 4, 5}) +                 //
+                                  fields({1, 1, 2, 3, 4, 5, 6}) +                                       //
+                                  part(6, "quad8", 1) + fields({1, 1, 2, 3, 4, 5, 6, 7, 8}) +           //
+                                  part(7, "quad8", 1) + fields({1, 1, 2, 3, 4, 5, 6, 7, 8}) +           //
+                                  part(8, "tetra4", 1) + fields({1, 1, 3, 2, 4}) +                      //
+                                  part(9, "tetra10", 1) + fields({1, 1, 3, 2, 4, 6, 5, 7, 8, 10, 9}) +  //
+                                  part(13, "penta6", 1) + fields({1, 1, 2, 3, 4, 5, 6}) +               //
+                                  part(15, "penta6", 1) + fields({1, 1, 2, 3, 4, 5, 6}) +               //
+                                  part(16, "hexa8", 1) + fields({1, 1, 2, 3, 4, 5, 6, 7, 8}) +          //
+                                  part(17, "hexa20", 1) +                                               //
                                   fields({1, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20}) +
-                                  part(18, "hexa20", 1) +                                                   //
+                                  part(18, "hexa20", 1) +  //
                                   fields({1, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20}) +
                                   part(24, "tetra4", 2) + fields({1, 1, 3, 2, 4}) + fields({2, 5, 7, 6, 8}));
 }
@@ -74,10 +73,10 @@ TEST(EnsightOutput, QuadraticTrianglesAreWrittenTwice)
     auto t6 = connect(6, {0, 1, 2, 3, 4, 5, 10, 11, 12, 13, 14, 15});
     std::string path = temp_path("t6.geo");
     ASSERT_EQ(ensight_output(path.c_str(), coords(1, {1, -2.5}), t6, ET_FACE_T6), 0);
-    EXPECT_EQ(contents(path), two_nodes + part(1, "tria6", 2) +            //
-                                  fields({1, 1, 2, 3, 6, 4, 5}) +          //
-                                  fields({2, 11, 12, 13, 16, 14, 15}) +    //
-                                  fields({1, 1, 2, 3, 4, 5, 6}) +          //
+    EXPECT_EQ(contents(path), two_nodes + part(1, "tria6", 2) +          //
+                                  fields({1, 1, 2, 3, 6, 4, 5}) +        //
+                                  fields({2, 11, 12, 13, 16, 14, 15}) +  //
+                                  fields({1, 1, 2, 3, 4, 5, 6}) +        //
                                   fields({2, 11, 12, 13, 14, 15, 16}));
 }
 

@@ -34,8 +34,8 @@ using P = std::vector<double>;
 inline bool run_read_script(char const* script, char const* reader, std::string const& path,
                             std::map<std::string, long>& found)
 {
-    std::string command = std::string("/usr/bin/python3 ") + TESSARIUM_SOURCE_DIR + "/" + script + " " + reader +
-                          " '" + path + "' 2>&1";
+    std::string command =
+        std::string("/usr/bin/python3 ") + TESSARIUM_SOURCE_DIR + "/" + script + " " + reader + " '" + path + "' 2>&1";
     std::FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return false;
     std::string output;
@@ -68,9 +68,8 @@ struct grouped_read {
     int result = 0;
 };
 
-using stream_reader = int (*)(std::istream&, qv7::dense2D<double>&, qv7::dense2D<unsigned>&,
-                              qv7::dense1D<unsigned, 8>&, qv7::dense1D<int, 8>&, qv7::dense1D<unsigned, 8>&,
-                              std::size_t);
+using stream_reader = int (*)(std::istream&, qv7::dense2D<double>&, qv7::dense2D<unsigned>&, qv7::dense1D<unsigned, 8>&,
+                              qv7::dense1D<int, 8>&, qv7::dense1D<unsigned, 8>&, std::size_t);
 using file_reader = int (*)(char const*, qv7::dense2D<double>&, qv7::dense2D<unsigned>&, qv7::dense1D<unsigned, 8>&,
                             qv7::dense1D<int, 8>&, qv7::dense1D<unsigned, 8>&);
 

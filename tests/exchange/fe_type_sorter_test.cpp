@@ -30,11 +30,11 @@ struct sorted {
 TEST(FeTypeSorter, GroupsByDescendingNodeCountStably)
 {
     // Solids of 4, 8, 5, 6 and again 4 and 8 nodes; rows 0 and 1 of each column hold c and c + 1.
-    auto M = connect(8, {0, 1, 2, 3, N, N, N, N,  //
+    auto M = connect(8, {0,  1,  2,  3,  N,  N,  N,  N,   //
                          10, 11, 12, 13, 14, 15, 16, 17,  //
-                         20, 21, 22, 23, 24, N, N, N,  //
-                         30, 31, 32, 33, 34, 35, N, N,  //
-                         40, 41, 42, 43, N, N, N, N,  //
+                         20, 21, 22, 23, 24, N,  N,  N,   //
+                         30, 31, 32, 33, 34, 35, N,  N,   //
+                         40, 41, 42, 43, N,  N,  N,  N,   //
                          50, 51, 52, 53, 54, 55, 56, 57});
     sorted s(M);
     EXPECT_EQ(s.code, 0);

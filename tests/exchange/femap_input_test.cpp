@@ -14,15 +14,21 @@ namespace {
 constexpr unsigned X = NONE_ID;
 using neutral = grouped_read;
 
-neutral read_neutral(std::string const& text) { return read_text(__FEMAP_input, text); }
+neutral read_neutral(std::string const& text)
+{
+    return read_text(__FEMAP_input, text);
+}
 
-std::string node_line(int ID, char const* xyz) { return std::to_string(ID) + ",0,0,1,0,0,0,0,0,0,0," + xyz + ",0,\n"; }
+std::string node_line(int ID, char const* xyz)
+{
+    return std::to_string(ID) + ",0,0,1,0,0,0,0,0,0,0," + xyz + ",0,\n";
+}
 
 // An element record: line 1 with the value and the topology, the two slot lines, four more.
 std::string record(int value, int topology, std::string const& slots1, std::string const& slots2 = "0,")
 {
-    return "9," + std::to_string(value) + ",1,25," + std::to_string(topology) + ",1,0,0,0,0,0,0,0,\n" + slots1 +
-           "\n" + slots2 + "\n0.,0.,0.,0,0,0,0,0,0,\n0.,0.,0.,\n0.,0.,0.,\n0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\n";
+    return "9," + std::to_string(value) + ",1,25," + std::to_string(topology) + ",1,0,0,0,0,0,0,0,\n" + slots1 + "\n" +
+           slots2 + "\n0.,0.,0.,0,0,0,0,0,0,\n0.,0.,0.,\n0.,0.,0.,\n0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\n";
 }
 
 }  // namespace
@@ -55,7 +61,8 @@ TEST(FemapInput, NodeFailuresKeepWhatWasRead)
     EXPECT_EQ(f.pos.cols(), 2u);
     EXPECT_TRUE(f.connectM.empty() && f.FEs.empty());
     EXPECT_EQ(values(f.indices), V({0, 0}));
-    neutral zero = read_neutral("403\n" + node_line(2, "2.,2.,2.") + node_line(0, "1.,1.,1.") + node_line(3, "3.,3.,3."));
+    neutral zero =
+        read_neutral("403\n" + node_line(2, "2.,2.,2.") + node_line(0, "1.,1.,1.") + node_line(3, "3.,3.,3."));
     EXPECT_EQ(zero.result, -102);
     EXPECT_EQ(zero.pos.cols(), 2u);
     EXPECT_EQ(read_neutral("403\n" + node_line(100000000, "1.,1.,1.")).result, -199);
@@ -85,9 +92,9 @@ TEST(FemapInput, SkippedTopologiesAndTheGroupMismatch)
     // record after it opens its group with no start of its own, even when skipped too. The
     // closing line is one more record, an edge whose slot lines are missing.
     std::string quad = "1,2,3,4,";
-    neutral f = read_neutral("404\n" + record(1, 4, quad) + record(2, 11, quad) + record(3, 4, quad) +
-                             record(4, 2, "1,2,3,") + record(5, 13, quad) + record(6, -1, quad) + record(7, 0, "4,5") +
-                             "   -1\n");
+    neutral f =
+        read_neutral("404\n" + record(1, 4, quad) + record(2, 11, quad) + record(3, 4, quad) + record(4, 2, "1,2,3,") +
+                     record(5, 13, quad) + record(6, -1, quad) + record(7, 0, "4,5") + "   -1\n");
     ASSERT_EQ(f.result, 0);
     EXPECT_EQ(values(f.per_element), V({1, 3, 4, 7, 0}));
     EXPECT_EQ(values(f.FEs), T({ET_FACE_Q4, ET_NONE, ET_FACE_Q4, ET_FACE_T3, ET_NONE, ET_NONE, ET_EDGE2}));
@@ -139,7 +146,8 @@ TEST(FemapInput, FileFormsAndTheirViews)
     ASSERT_EQ(M1.rows() * 10 + M1.cols(), 42u);
     EXPECT_EQ(column(M1, 1), V({1, 2, 3, X}));
     EXPECT_EQ(M2.rows() * 10 + M2.cols(), 41u);
-    EXPECT_EQ(FEMAP_input(write_file("nodes.neu", "403\n" + node_line(1, "1.,1.,1.")).c_str(), pos, M1, M2, FE1, FE2), 0);
+    EXPECT_EQ(FEMAP_input(write_file("nodes.neu", "403\n" + node_line(1, "1.,1.,1.")).c_str(), pos, M1, M2, FE1, FE2),
+              0);
     EXPECT_EQ(FE1 * 10 + M1.cols(), ET_FACE_T3 * 10 + 2);  // no group: left as they were
 }
 

@@ -33,29 +33,34 @@ std::string records_of(element_type type, std::size_t rows)
     return records(path);
 }
 
-std::string first_line(std::string const& block) { return block.substr(0, block.find('\n') + 1); }
+std::string first_line(std::string const& block)
+{
+    return block.substr(0, block.find('\n') + 1);
+}
 
-std::size_t record_count(std::string const& block) { return std::count(block.begin(), block.end(), '\n') / 7; }
+std::size_t record_count(std::string const& block)
+{
+    return std::count(block.begin(), block.end(), '\n') / 7;
+}
 
 }  // namespace
 
 TEST(FemapOutput, WholeFileOfOneTriangle)
 {
-    dense2D<double> pos =
-        matrix<double>(3, {0.0, 0.0, 0.0, 1.5, -2.0, 1234567.0, 1e-5, 0.0001, 123456.0});
+    dense2D<double> pos = matrix<double>(3, {0.0, 0.0, 0.0, 1.5, -2.0, 1234567.0, 1e-5, 0.0001, 123456.0});
     std::string path = temp_path("triangle.neu");
     ASSERT_EQ(FEMAP_output(path.c_str(), pos, matrix<unsigned>(3, {0, 1, 2}), ET_FACE_T3), 0);
     EXPECT_EQ(contents(path), std::string(banner) + "*********** NODES ***************\n" + banner +
-                                   "   -1\n403\n"
-                                   "1,0,0,1,0,0,0,0,0,0,0,0,0,0,0,\n"
-                                   "2,0,0,1,0,0,0,0,0,0,0,1.5,-2,1.23457e+06,0,\n"
-                                   "3,0,0,1,0,0,0,0,0,0,0,1e-05,0.0001,123456,0,\n"
-                                   "   -1\n" +
-                                   banner + "********* ELEMENTS **************\n" + banner +
-                                   "   -1\n404\n"
-                                   "1,1,1,17,2,1,0,0,0,0,0,0,0,\n"
-                                   "1,2,3,0,0,0,0,0,0,0,\n" +
-                                   zero_slots + record_tail + "   -1\n");
+                                  "   -1\n403\n"
+                                  "1,0,0,1,0,0,0,0,0,0,0,0,0,0,0,\n"
+                                  "2,0,0,1,0,0,0,0,0,0,0,1.5,-2,1.23457e+06,0,\n"
+                                  "3,0,0,1,0,0,0,0,0,0,0,1e-05,0.0001,123456,0,\n"
+                                  "   -1\n" +
+                                  banner + "********* ELEMENTS **************\n" + banner +
+                                  "   -1\n404\n"
+                                  "1,1,1,17,2,1,0,0,0,0,0,0,0,\n"
+                                  "1,2,3,0,0,0,0,0,0,0,\n" +
+                                  zero_slots + record_tail + "   -1\n");
     // Two-row coordinates get 0 for z.
     ASSERT_EQ(FEMAP_output(path.c_str(), matrix<double>(2, {-1.0, 2.5}), matrix<unsigned>(1, {0}), ET_NODE), 0);
     EXPECT_NE(contents(path).find("403\n1,0,0,1,0,0,0,0,0,0,0,-1,2.5,0,0,\n   -1\n"), std::string::npos);

@@ -20,8 +20,9 @@ TEST(HostileLines, CutLargeGridCardHasNoSecondLine)
 {
     // The second card's line 2 is missing: it must not take the z of the first card.
     std::string grid = "GRID*                  1                 1.0             2.0*C\n*C          3.0\n";
-    grouped_read d = read_text(__NASTRAN_input, "BEGIN BULK\n" + grid + "GRID*                  2" +
-                                                    "                 4.0             5.0*C", __max_node_ID);
+    grouped_read d = read_text(
+        __NASTRAN_input, "BEGIN BULK\n" + grid + "GRID*                  2" + "                 4.0             5.0*C",
+        __max_node_ID);
     EXPECT_EQ(d.result, -1);
     ASSERT_EQ(d.pos.cols(), 1u);
     EXPECT_EQ(column(d.pos, 0), std::vector<double>({1.0, 2.0, 3.0}));
@@ -69,15 +70,12 @@ TEST(HostileLines, LineTooLongForMemoryGivesMinus199)
     dense2D<double> pos, normals, textures;
     dense2D<unsigned> M, Q4;
     element_type FE;
-    EXPECT_TRUE(gives_minus_199_without_memory("BEGIN BULK\n", [&](char const* p) {
-        return NASTRAN_input(p, pos, M, FE);
-    }));
+    EXPECT_TRUE(
+        gives_minus_199_without_memory("BEGIN BULK\n", [&](char const* p) { return NASTRAN_input(p, pos, M, FE); }));
     EXPECT_TRUE(gives_minus_199_without_memory("GRID*                  1                 1.0             2.0*C\n",
                                                [&](char const* p) { return NASTRAN_input(p, pos, M, FE); }));
-    EXPECT_TRUE(gives_minus_199_without_memory("   -1\n   403\n", [&](char const* p) {
-        return FEMAP_input(p, pos, M, FE);
-    }));
-    EXPECT_TRUE(gives_minus_199_without_memory("v 1 2 3\n", [&](char const* p) {
-        return WavefrontOBJ_input(p, pos, normals, textures, M, Q4);
-    }));
+    EXPECT_TRUE(
+        gives_minus_199_without_memory("   -1\n   403\n", [&](char const* p) { return FEMAP_input(p, pos, M, FE); }));
+    EXPECT_TRUE(gives_minus_199_without_memory(
+        "v 1 2 3\n", [&](char const* p) { return WavefrontOBJ_input(p, pos, normals, textures, M, Q4); }));
 }

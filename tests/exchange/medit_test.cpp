@@ -57,10 +57,10 @@ TEST(MeditOutput, EveryTypeBySectionsOfExactType)
     // Groups in descending type order; each element holds its local row numbers as nodes, so the
     // written nodes show the local rows taken. References are the group places. Types without an
     // entity write nothing.
-    typed_groups all = one_element_per_type({ET_HEXA27, ET_HEXA20, ET_HEXA8, ET_WEDGE18, ET_WEDGE15, ET_WEDGE6,
-                                             ET_PYRAMID14, ET_PYRAMID13, ET_PYRAMID5, ET_TETRA10, ET_TETRA4,
-                                             ET_FACE_Q9, ET_FACE_Q8, ET_FACE_T6, ET_FACE_Q4, ET_FACE_T3,
-                                             ET_EDGE3, ET_EDGE2, ET_NODE, ET_EDGE_MIX, ET_NONE});
+    typed_groups all =
+        one_element_per_type({ET_HEXA27,    ET_HEXA20,   ET_HEXA8,   ET_WEDGE18, ET_WEDGE15, ET_WEDGE6,   ET_PYRAMID14,
+                              ET_PYRAMID13, ET_PYRAMID5, ET_TETRA10, ET_TETRA4,  ET_FACE_Q9, ET_FACE_Q8,  ET_FACE_T6,
+                              ET_FACE_Q4,   ET_FACE_T3,  ET_EDGE3,   ET_EDGE2,   ET_NODE,    ET_EDGE_MIX, ET_NONE});
     auto pos = line_of_nodes(1, 27);
     std::string path = temp_path("all_types.mesh");
     ASSERT_EQ(medit_output(path.c_str(), pos, all.first(), all.last(), all.FEs), 0);
@@ -93,13 +93,14 @@ TEST(MeditOutput, MixedGroupsAreSplitOnACopy)
     std::string path = temp_path("mixed.mesh");
     ASSERT_EQ(medit_output(path.c_str(), cube_and_apex(), solids, mixed_faces(), ET_SOLID_MIX, ET_FACE_MIX), 0);
     std::string text = contents(path);
-    EXPECT_EQ(text.substr(text.find("Triangles")), "Triangles\n2\n1 2 3 1 \n6 7 8 1 \n\n"
-                                                   "Quadrilaterals\n1\n5 6 7 8 1 \n\n"
-                                                   "Tetrahedra\n2\n1 2 3 5 0 \n2 3 4 9 0 \n\n"
-                                                   "Hexahedra\n1\n1 2 3 4 9 9 9 9 0 \n\n"
-                                                   "Hexahedra\n1\n1 2 3 3 5 6 7 7 0 \n\n"
-                                                   "Hexahedra\n1\n1 2 3 4 5 6 7 8 0 \n\n"
-                                                   "End\n");
+    EXPECT_EQ(text.substr(text.find("Triangles")),
+              "Triangles\n2\n1 2 3 1 \n6 7 8 1 \n\n"
+              "Quadrilaterals\n1\n5 6 7 8 1 \n\n"
+              "Tetrahedra\n2\n1 2 3 5 0 \n2 3 4 9 0 \n\n"
+              "Hexahedra\n1\n1 2 3 4 9 9 9 9 0 \n\n"
+              "Hexahedra\n1\n1 2 3 3 5 6 7 7 0 \n\n"
+              "Hexahedra\n1\n1 2 3 4 5 6 7 8 0 \n\n"
+              "End\n");
     EXPECT_EQ(std::vector<unsigned>(solids.col(0), solids.col(0) + solids.size()), solids_before);
 }
 
@@ -166,9 +167,10 @@ TEST(MeditSolution, ScalarsEightToALineVectorsAndTensorsOneLinePerColumn)
     ASSERT_EQ(medit_tensor(path.c_str(), coords(3, {1, 0, 2})), 0);
     EXPECT_EQ(contents(path), "2 3 1 2\n1.000000E+00 0.000000E+00 2.000000E+00 \n");
     ASSERT_EQ(medit_tensor(path.c_str(), coords(6, {1, 0, 2, 0, 0, 4, 7, 0, 0, 7, 0, 7})), 0);
-    EXPECT_EQ(contents(path), "3 6 2 2\n"
-                              "1.000000E+00 0.000000E+00 2.000000E+00 0.000000E+00 0.000000E+00 4.000000E+00 \n"
-                              "7.000000E+00 0.000000E+00 0.000000E+00 7.000000E+00 0.000000E+00 7.000000E+00 \n");
+    EXPECT_EQ(contents(path),
+              "3 6 2 2\n"
+              "1.000000E+00 0.000000E+00 2.000000E+00 0.000000E+00 0.000000E+00 4.000000E+00 \n"
+              "7.000000E+00 0.000000E+00 0.000000E+00 7.000000E+00 0.000000E+00 7.000000E+00 \n");
 
     // A tensor of another row count leaves the file created and empty.
     EXPECT_EQ(medit_tensor(path.c_str(), coords(4, {1, 2, 3, 4})), -2);

@@ -40,13 +40,14 @@ TEST(NastranInput, GridPointsInSmallLargeAndFreeField)
     // Small-field coordinates go through atof: a short exponent such as 1.5-3 reads as 1.5. A
     // blank small-field ID is no blank: the scan takes the next number (the CP field) and shifts
     // the rest. IDs 1 to 5 and 7: column 5 stays 0; a repeated ID overwrites.
-    deck d = read_deck("BEGIN BULK\n$ comment\n"
-                       "GRID           1       0     1.0     2.0     3.0\n"
-                       "GRID           2       0   1.5-3  2.5+10 -1.25-1\n"
-                       "GRID*                  3                    4.000000E+00   -5.500000E-01*C\n"
-                       "*C          6.250000E+02\n"
-                       "GRID,4,0,7.,8.,9.\nGRID,5,,-1.,-2.,-3.\nGRID ,1,0,1e2,2e-1,3.5,0\n"
-                       "GRID                   7     1.0     2.0     3.0     4.0\nENDDATA\n");
+    deck d = read_deck(
+        "BEGIN BULK\n$ comment\n"
+        "GRID           1       0     1.0     2.0     3.0\n"
+        "GRID           2       0   1.5-3  2.5+10 -1.25-1\n"
+        "GRID*                  3                    4.000000E+00   -5.500000E-01*C\n"
+        "*C          6.250000E+02\n"
+        "GRID,4,0,7.,8.,9.\nGRID,5,,-1.,-2.,-3.\nGRID ,1,0,1e2,2e-1,3.5,0\n"
+        "GRID                   7     1.0     2.0     3.0     4.0\nENDDATA\n");
     ASSERT_EQ(d.result, 0);
     ASSERT_EQ(d.pos.cols(), 7u);
     EXPECT_EQ(column(d.pos, 0), P({100.0, 0.2, 3.5}));
@@ -62,16 +63,17 @@ TEST(NastranInput, ElementCardsInEachFieldFormatWithContinuations)
 {
     // Small field, free field, small field with "+" continuation, large field with "*", a large
     // field card whose name holds the star (passed over), free field with "+C".
-    deck d = read_deck("BEGIN BULK\n"
-                       "CTETRA        10       3       1       2       3       4\n"
-                       "CQUAD4,11,4,1,2,3,4\n"
-                       "CHEXA         12       5       1       2       3       4       5       6+H1\n"
-                       "+H1            7       8\n"
-                       "CQUAD4                13               6               1               2*Q\n"
-                       "*Q                     3               4\n"
-                       "CTRIA3*               14               1               1               2*T\n"
-                       "*T                     3\n"
-                       "CHEXA,15,7,1,2,3,4,5,6,+C\n+C,7,8\nENDDATA\n");
+    deck d = read_deck(
+        "BEGIN BULK\n"
+        "CTETRA        10       3       1       2       3       4\n"
+        "CQUAD4,11,4,1,2,3,4\n"
+        "CHEXA         12       5       1       2       3       4       5       6+H1\n"
+        "+H1            7       8\n"
+        "CQUAD4                13               6               1               2*Q\n"
+        "*Q                     3               4\n"
+        "CTRIA3*               14               1               1               2*T\n"
+        "*T                     3\n"
+        "CHEXA,15,7,1,2,3,4,5,6,+C\n+C,7,8\nENDDATA\n");
     ASSERT_EQ(d.result, 0);
     ASSERT_EQ(d.connectM.rows(), 8u);
     ASSERT_EQ(d.connectM.cols(), 5u);
@@ -90,12 +92,12 @@ TEST(NastranInput, ElementCardsInEachFieldFormatWithContinuations)
 TEST(NastranInput, CardNamesPromotionsAndNodeOrders)
 {
     std::pair<char const*, element_type> const names[] = {
-        {"BAR", ET_EDGE2},      {"BEAM", ET_EDGE2},     {"ROD", ET_EDGE2},      {"CBAR", ET_EDGE2},
-        {"CBEAM", ET_EDGE2},    {"CROD", ET_EDGE2},     {"TRIA3", ET_FACE_T3},  {"CTRIA3", ET_FACE_T3},
-        {"TRIA6", ET_FACE_T6},  {"CTRIA6", ET_FACE_T6}, {"QUAD4", ET_FACE_Q4},  {"CQUAD4", ET_FACE_Q4},
-        {"QUAD8", ET_FACE_Q8},  {"CQUAD8", ET_FACE_Q8}, {"TETRA", ET_TETRA4},   {"CTETRA", ET_TETRA4},
-        {"PYRA", ET_PYRAMID5},  {"PYRAM", ET_PYRAMID5}, {"CPYRA", ET_PYRAMID5}, {"CPYRAM", ET_PYRAMID5},
-        {"PENTA", ET_WEDGE6},   {"CPENTA", ET_WEDGE6},  {"HEXA", ET_HEXA8},     {"CHEXA", ET_HEXA8},
+        {"BAR", ET_EDGE2},      {"BEAM", ET_EDGE2},       {"ROD", ET_EDGE2},      {"CBAR", ET_EDGE2},
+        {"CBEAM", ET_EDGE2},    {"CROD", ET_EDGE2},       {"TRIA3", ET_FACE_T3},  {"CTRIA3", ET_FACE_T3},
+        {"TRIA6", ET_FACE_T6},  {"CTRIA6", ET_FACE_T6},   {"QUAD4", ET_FACE_Q4},  {"CQUAD4", ET_FACE_Q4},
+        {"QUAD8", ET_FACE_Q8},  {"CQUAD8", ET_FACE_Q8},   {"TETRA", ET_TETRA4},   {"CTETRA", ET_TETRA4},
+        {"PYRA", ET_PYRAMID5},  {"PYRAM", ET_PYRAMID5},   {"CPYRA", ET_PYRAMID5}, {"CPYRAM", ET_PYRAMID5},
+        {"PENTA", ET_WEDGE6},   {"CPENTA", ET_WEDGE6},    {"HEXA", ET_HEXA8},     {"CHEXA", ET_HEXA8},
         {"CTETRA", ET_TETRA10}, {"CPYRAM", ET_PYRAMID13}, {"CPENTA", ET_WEDGE15}, {"CHEXA", ET_HEXA20},
     };
     std::string text = "BEGIN BULK\n";
@@ -148,7 +150,7 @@ TEST(NastranInput, BadGridsStopTheReadingAndKeepWhatCameBefore)
         {"GRID,0,0,2.,2.,2.\n", -1},
         {"GRID\n", -1},
         {"GRID,x,0,2.,2.,2.\n", -1},
-        {"GRID*                  2    1.0    2.0*C\n*C      3.0\n", -1},              // fields missing
+        {"GRID*                  2    1.0    2.0*C\n*C      3.0\n", -1},                // fields missing
         {"GRID*                  2                 1.0             2.0*C\n$ z\n", -1},  // line 2 as it comes
         {"GRID*                  2                 1.0             2.0*C", -1},         // empty line 2
         {"GRID*         2147483648                    1.000000E+00    2.000000E+00*C\n*C          3.0\n", -199},
@@ -195,8 +197,8 @@ TEST(NastranInput, HostileLinesAreSurvived)
     std::string commas = "CTRIA3,1,1";
     for (int k = 0; k < 100000; ++k) commas += ",1";
     deck d = read_deck("BEGIN BULK\n" + commas + "\n" + std::string(100000, 'x') + "\nCTRIA3,2,1,1,2,3\r\n" +
-                       std::string(1, '\0') + "\n,,,,\n*\n+\nCHEXA,1,1,1,2,3,4,5,6,+C\n+C,7,8" +
-                       std::string(300, ' ') + "\nGRID,1,0,1.,2.,3.\nENDDATA\n");
+                       std::string(1, '\0') + "\n,,,,\n*\n+\nCHEXA,1,1,1,2,3,4,5,6,+C\n+C,7,8" + std::string(300, ' ') +
+                       "\nGRID,1,0,1.,2.,3.\nENDDATA\n");
     EXPECT_EQ(d.result, 0);
     ASSERT_EQ(d.connectM.cols(), 2u);
     EXPECT_EQ(column(d.connectM, 0), V({0, 1, 2, 0, 0, 0, 0, 0}));
@@ -214,8 +216,9 @@ TEST(NastranInput, FileFormsAndTheirViews)
 
     // One matrix: FE only for one group.
     element_type FE = ET_HEXA8, FE1 = ET_NONE, FE2 = ET_NONE;
-    std::string mixed = write_file("mixed.bdf", "BEGIN BULK\nCTRIA3,1,1,1,2,3\nCTRIA3,2,1,2,3,4\n"
-                                                "CQUAD4,3,1,1,2,3,4\nCTETRA,4,1,1,2,3,4\n");
+    std::string mixed = write_file("mixed.bdf",
+                                   "BEGIN BULK\nCTRIA3,1,1,1,2,3\nCTRIA3,2,1,2,3,4\n"
+                                   "CQUAD4,3,1,1,2,3,4\nCTETRA,4,1,1,2,3,4\n");
     EXPECT_EQ(NASTRAN_input(mixed.c_str(), pos, M, FE), 0);
     EXPECT_EQ(FE, ET_NONE);
     EXPECT_EQ(NASTRAN_input(write_file("t.bdf", "BEGIN BULK\nCTRIA3,2,1,1,2,3\n").c_str(), pos, M, FE), 0);

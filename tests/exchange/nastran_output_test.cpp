@@ -53,13 +53,13 @@ TEST(NastranOutput, WholeDeckOfOneTriangle)
     std::string path = temp_path("triangle.bdf");
     ASSERT_EQ(NASTRAN_output(path.c_str(), pos, tri, ET_FACE_T3), 0);
     EXPECT_EQ(contents(path), std::string(deck_head) +
-                                   "GRID*                  1                    0.000000E+00    0.000000E+00*C\n"
-                                   "*C          0.000000E+00\n"
-                                   "GRID*                  2                    1.500000E+00    0.000000E+00*C\n"
-                                   "*C          0.000000E+00\n"
-                                   "GRID*                  3                    1.234568E+05   -2.000000E+00*C\n"
-                                   "*C          1.000000E-07\n" +
-                                   elements_head + "CTRIA3,1,1,1,2,3\nENDDATA\n");
+                                  "GRID*                  1                    0.000000E+00    0.000000E+00*C\n"
+                                  "*C          0.000000E+00\n"
+                                  "GRID*                  2                    1.500000E+00    0.000000E+00*C\n"
+                                  "*C          0.000000E+00\n"
+                                  "GRID*                  3                    1.234568E+05   -2.000000E+00*C\n"
+                                  "*C          1.000000E-07\n" +
+                                  elements_head + "CTRIA3,1,1,1,2,3\nENDDATA\n");
     // Two-row coordinates get 0 for z.
     ASSERT_EQ(NASTRAN_output(path.c_str(), matrix<double>(2, {-1.0, 2.0}), matrix<unsigned>(1, {0}), ET_NODE), 0);
     EXPECT_NE(contents(path).find("GRID*                  1                   -1.000000E+00    2.000000E+00*C\n"
@@ -74,12 +74,11 @@ TEST(NastranOutput, EveryCardReadsBack)
     // the 15-node wedge is not the writer's: its card is checked as text.
     struct written {
         element_type type, read;
-    } const table[] = {{ET_EDGE2, ET_EDGE2},     {ET_EDGE3, ET_EDGE2},         {ET_FACE_T3, ET_FACE_T3},
-                       {ET_FACE_Q4, ET_FACE_Q4}, {ET_FACE_T6, ET_FACE_T6},     {ET_FACE_Q8, ET_FACE_Q8},
-                       {ET_TETRA4, ET_TETRA4},   {ET_TETRA10, ET_TETRA10},     {ET_PYRAMID5, ET_PYRAMID5},
+    } const table[] = {{ET_EDGE2, ET_EDGE2},         {ET_EDGE3, ET_EDGE2},         {ET_FACE_T3, ET_FACE_T3},
+                       {ET_FACE_Q4, ET_FACE_Q4},     {ET_FACE_T6, ET_FACE_T6},     {ET_FACE_Q8, ET_FACE_Q8},
+                       {ET_TETRA4, ET_TETRA4},       {ET_TETRA10, ET_TETRA10},     {ET_PYRAMID5, ET_PYRAMID5},
                        {ET_PYRAMID13, ET_PYRAMID13}, {ET_PYRAMID14, ET_PYRAMID13}, {ET_WEDGE6, ET_WEDGE6},
-                       {ET_HEXA8, ET_HEXA8},
-                       {ET_HEXA20, ET_HEXA20},   {ET_HEXA27, ET_HEXA20}};
+                       {ET_HEXA8, ET_HEXA8},         {ET_HEXA20, ET_HEXA20},       {ET_HEXA27, ET_HEXA20}};
     std::string path = temp_path("cards.bdf");
     for (written const& w : table) {
         ASSERT_EQ(NASTRAN_output(path.c_str(), points(27), counting(nbr_nodes(w.type)), w.type), 0) << w.type;
@@ -96,13 +95,13 @@ TEST(NastranOutput, EveryCardReadsBack)
 
 TEST(NastranOutput, GroupsMixedColumnsAndPropertyIDs)
 {
-    dense2D<unsigned> M = matrix<unsigned>(8, {0, 1, 2, X, X, X, X, X,   // triangle of a face group
-                                               0, 1, 2, 3, X, X, X, X,   // quadrilateral
-                                               4, X, X, X, X, X, X, X,   // a node: no card
-                                               0, 1, 2, 3, X, X, X, X,   // tetrahedron
-                                               0, 1, 2, 3, 4, X, X, X,   // pyramid
-                                               0, 1, 2, 3, 4, 5, X, X,   // wedge
-                                               0, 1, 2, 3, 4, 5, 6, 7}); // hexahedron
+    dense2D<unsigned> M = matrix<unsigned>(8, {0, 1, 2, X, X, X, X, X,    // triangle of a face group
+                                               0, 1, 2, 3, X, X, X, X,    // quadrilateral
+                                               4, X, X, X, X, X, X, X,    // a node: no card
+                                               0, 1, 2, 3, X, X, X, X,    // tetrahedron
+                                               0, 1, 2, 3, 4, X, X, X,    // pyramid
+                                               0, 1, 2, 3, 4, 5, X, X,    // wedge
+                                               0, 1, 2, 3, 4, 5, 6, 7});  // hexahedron
     dense1D<unsigned, 8> indices = list<unsigned>({0, 2, 3, 7});
     dense1D<int, 8> FEs = list<int>({ET_FACE_MIX, ET_NODE, ET_SOLID_MIX});
     dense1D<unsigned, 8> PIDs = list<unsigned>({10, 11, 12, 13, 14, 15, 16});

@@ -15,16 +15,45 @@ namespace {
 
 std::string random_text(std::mt19937_64& rng)
 {
-    static char const* const odd[] = {"inf", "-INF", "+Infinity", "nan", "-nan", "NaN(123)", "0x1.8p3", "-0X1P-3",
-                                      "0x", ".", "-", "+", "-.", "e5", ".e1", "", "1e", "1e+", "1.e5", "-.5e-3",
-                                      "0", "-0", "00012.5000", "1e400", "-1e400", "1e-400", "4.9e-324", "2.5e-324",
-                                      "1.7976931348623157e308", "1.7976931348623159e308", "2.2250738585072011e-308"};
+    static char const* const odd[] = {"inf",
+                                      "-INF",
+                                      "+Infinity",
+                                      "nan",
+                                      "-nan",
+                                      "NaN(123)",
+                                      "0x1.8p3",
+                                      "-0X1P-3",
+                                      "0x",
+                                      ".",
+                                      "-",
+                                      "+",
+                                      "-.",
+                                      "e5",
+                                      ".e1",
+                                      "",
+                                      "1e",
+                                      "1e+",
+                                      "1.e5",
+                                      "-.5e-3",
+                                      "0",
+                                      "-0",
+                                      "00012.5000",
+                                      "1e400",
+                                      "-1e400",
+                                      "1e-400",
+                                      "4.9e-324",
+                                      "2.5e-324",
+                                      "1.7976931348623157e308",
+                                      "1.7976931348623159e308",
+                                      "2.2250738585072011e-308"};
     static char const* const lead[] = {"", "", "", " ", "  ", "\t", "\n ", "+", "-", " -", "- ", "\v+"};
     static char const* const tail[] = {"", "", " 1", "x", "e", "e-", ".5", "\n", "abc", "d0", "f"};
     std::string s = lead[rng() % (sizeof lead / sizeof *lead)];
     char buffer[64];
     switch (rng() % 6) {
-    case 0: s += odd[rng() % (sizeof odd / sizeof *odd)]; break;
+    case 0:
+        s += odd[rng() % (sizeof odd / sizeof *odd)];
+        break;
     case 1: {  // any bit pattern, printed exactly, as the writers do, or short
         std::uint64_t bits = rng();
         double x;
@@ -35,7 +64,8 @@ std::string random_text(std::mt19937_64& rng)
         break;
     }
     case 2:  // values of coordinates
-        std::snprintf(buffer, sizeof buffer, "%.*e", int(rng() % 18), std::ldexp(double(rng() % 100000), -int(rng() % 30)));
+        std::snprintf(buffer, sizeof buffer, "%.*e", int(rng() % 18),
+                      std::ldexp(double(rng() % 100000), -int(rng() % 30)));
         s += buffer;
         break;
     default: {  // digit strings: long mantissas, halfway cases, large and tiny exponents

@@ -26,13 +26,19 @@ stl_mesh read(std::string const& path)
     m.code = STL_input(path.c_str(), m.pos, m.T3);
     return m;
 }
-stl_mesh read_bytes(std::string const& bytes) { return read(write_file("in.stl", bytes)); }
+stl_mesh read_bytes(std::string const& bytes)
+{
+    return read(write_file("in.stl", bytes));
+}
 
 std::string facet(std::string const& a, std::string const& b, std::string const& c)
 {
     return "facet normal 0 0 0\nouter loop\nvertex " + a + "\nvertex " + b + "\nvertex " + c + "\nendloop\nendfacet\n";
 }
-std::string solid(std::string const& facets) { return "solid t\n" + facets + "endsolid t\n"; }
+std::string solid(std::string const& facets)
+{
+    return "solid t\n" + facets + "endsolid t\n";
+}
 
 // Two right triangles with legs of 1 sharing the side (1,0,0)-(0,1,0): the smallest height is
 // 1/sqrt(2), the tolerance a twentieth of it, about 0.035.
@@ -81,8 +87,9 @@ TEST(STLInput, WeldingResults)
 
 TEST(STLInput, TextLayouts)
 {
-    std::string upper = "FACET NORMAL 0 0 1\nOUTER LOOP\nVERTEX 0E+00 0 0\nVERTEX 1 0 0\nVERTEX 0 1.0E0 0\n"
-                        "ENDLOOP\nENDFACET\n";
+    std::string upper =
+        "FACET NORMAL 0 0 1\nOUTER LOOP\nVERTEX 0E+00 0 0\nVERTEX 1 0 0\nVERTEX 0 1.0E0 0\n"
+        "ENDLOOP\nENDFACET\n";
     std::string padded = "\tfacet normal 0 0 1" + std::string(254 - 19, ' ') + "\n";  // 254 + LF: fits
     // Capitals, colour lines, CRLF, trailing words, and solids one after the other (an empty one
     // too) make one mesh.
@@ -101,7 +108,8 @@ TEST(STLInput, TextLayouts)
 TEST(STLInput, RoundTripsBothForms)
 {
     dense2D<double> pos = matrix<double>(3, {1, 0, 0, -1, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 1, 0, 0, -1});
-    dense2D<unsigned> T3 = matrix<unsigned>(3, {0, 2, 4, 2, 1, 4, 1, 3, 4, 3, 0, 4, 2, 0, 5, 1, 2, 5, 3, 1, 5, 0, 3, 5});
+    dense2D<unsigned> T3 =
+        matrix<unsigned>(3, {0, 2, 4, 2, 1, 4, 1, 3, 4, 3, 0, 4, 2, 0, 5, 1, 2, 5, 3, 1, 5, 0, 3, 5});
     for (bool text : {true, false}) {
         std::string path = temp_path("round.stl");
         ASSERT_EQ(STL_output(path.c_str(), pos, T3, text), 0);
@@ -138,11 +146,11 @@ TEST(STLInput, FailuresLeaveEmptyArrays)
              {-2, ""},
              {-2, "neither text nor binary"},
              {-3, one.substr(0, 83)},
-             {-3, one.substr(0, 131)},                           // a facet cut short
-             {-3, binary_file(3, two_binary, "header")},         // counts beyond the file
+             {-3, one.substr(0, 131)},                    // a facet cut short
+             {-3, binary_file(3, two_binary, "header")},  // counts beyond the file
              {-3, binary_file(INT32_MAX, two_binary, "header")},
-             {-3, solid(first) + "\n"},                          // a blank line after "endsolid"
-             {-3, "solid t\n" + first},                          // no "endsolid"
+             {-3, solid(first) + "\n"},  // a blank line after "endsolid"
+             {-3, "solid t\n" + first},  // no "endsolid"
              // Malformed text too short for a binary header: the fallback has the last word.
              {-2, solid(first).substr(0, 8) + "color 1 1 1\n"},  // colour as the last line
              {-2, solid("facet normal 0 0 1\nouter\n")},
@@ -227,16 +235,23 @@ TEST(STLInput, CorpusFiles)
         std::size_t facets, nodes;
     };
     if (corpus_dir("stl").empty()) GTEST_SKIP() << "no corpus on this machine";
-    for (auto const& f : std::vector<expected>{
-             {"adm_block_uppercase.stl", 12, 8},      {"as_3DSMaxExport.STL", 2000, 0},
-             {"as_sphereWithHole.stl", 285, 0},       {"as_triangle_with_empty_solid.stl", 1, 3},
-             {"npstl_CubeInvalidUnicode.stl", 12, 8}, {"npstl_Cube_binary_space_solid_header.stl", 12, 8},
-             {"npstl_HalfDonut_binary_solid_header.stl", 288, 0}, {"npstl_Moon_Chinese.stl", 116, 0},
-             {"npstl_StarWithEmptyHeader.stl", 68, 0}, {"npstl_rear_case.stl", 18808, 0},
-             {"tm_20mm-xyz-cube.stl", 260, 0},        {"tm_7_8ths_cube.stl", 24, 14},
-             {"tm_busted.STL", 3878, 0},              {"tm_featuretype.STL", 3476, 0},
-             {"tm_multibody.stl", 32, 0},             {"tm_stl_empty_ascii.stl", 0, 0},
-             {"tm_two_objects_mixed_case_names.stl", 24, 0}}) {
+    for (auto const& f : std::vector<expected>{{"adm_block_uppercase.stl", 12, 8},
+                                               {"as_3DSMaxExport.STL", 2000, 0},
+                                               {"as_sphereWithHole.stl", 285, 0},
+                                               {"as_triangle_with_empty_solid.stl", 1, 3},
+                                               {"npstl_CubeInvalidUnicode.stl", 12, 8},
+                                               {"npstl_Cube_binary_space_solid_header.stl", 12, 8},
+                                               {"npstl_HalfDonut_binary_solid_header.stl", 288, 0},
+                                               {"npstl_Moon_Chinese.stl", 116, 0},
+                                               {"npstl_StarWithEmptyHeader.stl", 68, 0},
+                                               {"npstl_rear_case.stl", 18808, 0},
+                                               {"tm_20mm-xyz-cube.stl", 260, 0},
+                                               {"tm_7_8ths_cube.stl", 24, 14},
+                                               {"tm_busted.STL", 3878, 0},
+                                               {"tm_featuretype.STL", 3476, 0},
+                                               {"tm_multibody.stl", 32, 0},
+                                               {"tm_stl_empty_ascii.stl", 0, 0},
+                                               {"tm_two_objects_mixed_case_names.stl", 24, 0}}) {
         std::string path = corpus_dir("stl") + f.name;
         if (!exists(path)) continue;
         stl_mesh m = read(path);

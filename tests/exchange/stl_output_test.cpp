@@ -53,14 +53,16 @@ TEST(STLOutput, Binary)
     std::string path = temp_path("out_b.stl");
     ASSERT_EQ(STL_output(path.c_str(), pos, triangles, false), 0);
     // The first normal is (P0 - P2) x (P1 - P0), whose x is (-1) * 0 - 0 * 0: a negative zero.
-    EXPECT_EQ(contents(path), binary_stl(4, {{-0.0f, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0},
-                                              {0, -1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 3},
-                                              {float(-3 * (1.0 / 5)), 0, float(-4 * (1.0 / 5)), 0, 0, 0, 0, 1, 0, 4, 0, -3},
-                                              {0, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0}}));
+    EXPECT_EQ(contents(path),
+              binary_stl(4, {{-0.0f, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0},
+                             {0, -1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 3},
+                             {float(-3 * (1.0 / 5)), 0, float(-4 * (1.0 / 5)), 0, 0, 0, 0, 1, 0, 4, 0, -3},
+                             {0, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0}}));
     ASSERT_EQ(STL_output(path.c_str(), pos, dense2D<unsigned>(), false), 0);
     EXPECT_EQ(contents(path), binary_stl(0, {}));
     // A 2-row pos gets z = 0; the last node is read from its own column only.
-    ASSERT_EQ(STL_output(path.c_str(), matrix<double>(2, {0, 0, 2, 0, 0, 3}), matrix<unsigned>(3, {1, 2, 0}), false), 0);
+    ASSERT_EQ(STL_output(path.c_str(), matrix<double>(2, {0, 0, 2, 0, 0, 3}), matrix<unsigned>(3, {1, 2, 0}), false),
+              0);
     EXPECT_EQ(contents(path), binary_stl(1, {{0, 0, 1, 2, 0, 0, 0, 3, 0, 0, 0, 0}}));
 }
 

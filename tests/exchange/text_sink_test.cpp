@@ -43,10 +43,9 @@ std::string printed(char const* format, Args... args)
 std::vector<double> awkward_doubles()
 {
     double inf = std::numeric_limits<double>::infinity();
-    std::vector<double> v = {0.0,     -0.0,     1.0,      -1.0,    0.5,     9.9999995,   9.9999994999,
-                             0.125,   1e-300,   DBL_MIN,  DBL_TRUE_MIN, DBL_MAX, -DBL_MAX, 123456.5,
-                             2.5e-7,  99999.95, 1.0e100,  1.25e-5, 0.000015, inf,         -inf,
-                             std::nan(""), -std::nan("")};
+    std::vector<double> v = {0.0,     -0.0,    1.0,          -1.0,    0.5,      9.9999995,    9.9999994999, 0.125,
+                             1e-300,  DBL_MIN, DBL_TRUE_MIN, DBL_MAX, -DBL_MAX, 123456.5,     2.5e-7,       99999.95,
+                             1.0e100, 1.25e-5, 0.000015,     inf,     -inf,     std::nan(""), -std::nan("")};
     std::mt19937_64 random(11);
     for (int i = 0; i < 20000; ++i) {
         std::uint64_t bits = random();

@@ -44,7 +44,7 @@ TEST(VtkConvert, QuadraticTetrahedronGivesTetraAndPolyVertex)
     ASSERT_EQ(vtk_convert(quads, ET_FACE_Q4, nbr_cells, cells, types), 0);
     EXPECT_EQ(nbr_cells, 4u);
     EXPECT_EQ(values(cells), (std::vector<unsigned>{4, 10, 11, 13, 12, 6, 14, 15, 16, 17, 18, 19,  //
-                                                    4, 0, 1, 2, 3, 4, 4, 5, 6, 7}));
+                                                    4, 0,  1,  2,  3,  4, 4,  5,  6,  7}));
     EXPECT_EQ(values(types), (std::vector<unsigned>{10, 2, 9, 9}));
 }
 
@@ -58,11 +58,12 @@ TEST(VtkConvert, RefusedShapesTypesWithoutCellAndNoMemory)
         dense2D<unsigned> connectM;
         element_type type;
         int code;
-    } const calls[] = {{counting(9), ET_HEXA8, -1},     {counting(5), ET_PYRAMID13, -1},
-                       {dense2D<unsigned>(), ET_TETRA4, -1}, {counting(13), ET_PYRAMID13, -2},
-                       {counting(15), ET_WEDGE15, -2},  {counting(8), ET_SOLID_MIX, -2},
-                       {counting(1), ET_NODE, -2}};
-    for (refused const& c : calls) EXPECT_EQ(vtk_convert(c.connectM, c.type, nbr_cells, cells, types), c.code) << c.type;
+    } const calls[] = {
+        {counting(9), ET_HEXA8, -1},      {counting(5), ET_PYRAMID13, -1}, {dense2D<unsigned>(), ET_TETRA4, -1},
+        {counting(13), ET_PYRAMID13, -2}, {counting(15), ET_WEDGE15, -2},  {counting(8), ET_SOLID_MIX, -2},
+        {counting(1), ET_NODE, -2}};
+    for (refused const& c : calls)
+        EXPECT_EQ(vtk_convert(c.connectM, c.type, nbr_cells, cells, types), c.code) << c.type;
     dense2D<unsigned> tet = counting(4);
     {
         test_alloc::failing_scope guard(0);
@@ -78,30 +79,31 @@ TEST(VtkConvert, RefusedShapesTypesWithoutCellAndNoMemory)
 TEST(VtkOutput, EveryTypeWithItsPolyVertexCell)
 {
     typed_groups all = one_element_per_type({ET_EDGE2, ET_EDGE3, ET_FACE_T3, ET_FACE_Q4, ET_FACE_T6, ET_FACE_Q8,
-                                             ET_FACE_Q9, ET_TETRA4, ET_TETRA10, ET_PYRAMID5, ET_PYRAMID14,
-                                             ET_WEDGE6, ET_WEDGE18, ET_HEXA8, ET_HEXA20, ET_HEXA27, ET_NONE});
+                                             ET_FACE_Q9, ET_TETRA4, ET_TETRA10, ET_PYRAMID5, ET_PYRAMID14, ET_WEDGE6,
+                                             ET_WEDGE18, ET_HEXA8, ET_HEXA20, ET_HEXA27, ET_NONE});
     std::string path = temp_path("all_types.vtk");
     ASSERT_EQ(vtk_output(path.c_str(), line_of_nodes(2, 27), all.first(), all.last(), all.FEs), 0);
-    EXPECT_EQ(contents(path), header + points_of_line(27) +
-                                  "\nCELLS 25 172\n"
-                                  "2 0 1 \n"
-                                  "2 0 1 \n1 2 \n"
-                                  "3 0 1 2 \n"
-                                  "4 0 1 2 3 \n"
-                                  "3 0 1 2 \n3 3 4 5 \n"
-                                  "4 0 1 2 3 \n4 4 5 6 7 \n"
-                                  "4 0 1 2 3 \n5 4 5 6 7 8 \n"
-                                  "4 0 1 3 2 \n"
-                                  "4 0 1 3 2 \n6 4 5 6 7 8 9 \n"
-                                  "5 0 1 2 3 4 \n"
-                                  "5 0 1 2 3 4 \n9 5 6 7 8 9 10 11 12 13 \n"
-                                  "6 0 1 2 3 4 5 \n"
-                                  "6 0 1 2 3 4 5 \n12 6 7 8 9 10 11 12 13 14 15 16 17 \n"
-                                  "8 0 1 2 3 4 5 6 7 \n"
-                                  "8 0 1 2 3 4 5 6 7 \n12 8 9 10 11 12 13 14 15 16 17 18 19 \n"
-                                  "8 0 1 2 3 4 5 6 7 \n19 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 25 26 \n"
-                                  "\nCELL_TYPES 25\n"
-                                  "3\n3\n2\n5\n9\n5\n2\n9\n2\n9\n2\n10\n10\n2\n14\n14\n2\n13\n13\n2\n12\n12\n2\n12\n2\n");
+    EXPECT_EQ(contents(path),
+              header + points_of_line(27) +
+                  "\nCELLS 25 172\n"
+                  "2 0 1 \n"
+                  "2 0 1 \n1 2 \n"
+                  "3 0 1 2 \n"
+                  "4 0 1 2 3 \n"
+                  "3 0 1 2 \n3 3 4 5 \n"
+                  "4 0 1 2 3 \n4 4 5 6 7 \n"
+                  "4 0 1 2 3 \n5 4 5 6 7 8 \n"
+                  "4 0 1 3 2 \n"
+                  "4 0 1 3 2 \n6 4 5 6 7 8 9 \n"
+                  "5 0 1 2 3 4 \n"
+                  "5 0 1 2 3 4 \n9 5 6 7 8 9 10 11 12 13 \n"
+                  "6 0 1 2 3 4 5 \n"
+                  "6 0 1 2 3 4 5 \n12 6 7 8 9 10 11 12 13 14 15 16 17 \n"
+                  "8 0 1 2 3 4 5 6 7 \n"
+                  "8 0 1 2 3 4 5 6 7 \n12 8 9 10 11 12 13 14 15 16 17 18 19 \n"
+                  "8 0 1 2 3 4 5 6 7 \n19 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 25 26 \n"
+                  "\nCELL_TYPES 25\n"
+                  "3\n3\n2\n5\n9\n5\n2\n9\n2\n9\n2\n10\n10\n2\n14\n14\n2\n13\n13\n2\n12\n12\n2\n12\n2\n");
 }
 
 TEST(VtkOutput, MixedGroupsLargestNodeCountFirst)
@@ -110,16 +112,17 @@ TEST(VtkOutput, MixedGroupsLargestNodeCountFirst)
     std::string path = temp_path("mixed.vtk");
     ASSERT_EQ(vtk_output(path.c_str(), cube_and_apex(), solids, mixed_faces(), ET_SOLID_MIX, ET_FACE_MIX), 0);
     std::string text = contents(path);
-    EXPECT_EQ(text.substr(text.find("\nCELLS")), "\nCELLS 8 45\n"
-                                                 "8 0 1 2 3 4 5 6 7 \n"
-                                                 "6 0 1 2 4 5 6 \n"
-                                                 "5 0 1 2 3 8 \n"
-                                                 "4 0 1 4 2 \n"
-                                                 "4 1 2 8 3 \n"
-                                                 "4 4 5 6 7 \n"
-                                                 "3 0 1 2 \n"
-                                                 "3 5 6 7 \n"
-                                                 "\nCELL_TYPES 8\n12\n13\n14\n10\n10\n9\n5\n5\n");
+    EXPECT_EQ(text.substr(text.find("\nCELLS")),
+              "\nCELLS 8 45\n"
+              "8 0 1 2 3 4 5 6 7 \n"
+              "6 0 1 2 4 5 6 \n"
+              "5 0 1 2 3 8 \n"
+              "4 0 1 4 2 \n"
+              "4 1 2 8 3 \n"
+              "4 4 5 6 7 \n"
+              "3 0 1 2 \n"
+              "3 5 6 7 \n"
+              "\nCELL_TYPES 8\n12\n13\n14\n10\n10\n9\n5\n5\n");
     EXPECT_EQ(solids(4, 0), N);  // the caller's matrix keeps its order
 }
 
@@ -127,8 +130,9 @@ TEST(VtkOutput, MeshWithoutElements)
 {
     std::string path = temp_path("points.vtk");
     ASSERT_EQ(vtk_output(path.c_str(), coords(3, {-1.5, 2e-7, 123456.789}), nullptr, nullptr, dense1D<int, 8>()), 0);
-    EXPECT_EQ(contents(path), header + "\nPOINTS 1 double\n-1.500000 0.000000 123456.789000\n"
-                                       "\nCELLS 0 0\n\nCELL_TYPES 0\n");
+    EXPECT_EQ(contents(path), header +
+                                  "\nPOINTS 1 double\n-1.500000 0.000000 123456.789000\n"
+                                  "\nCELLS 0 0\n\nCELL_TYPES 0\n");
 }
 
 TEST(VtkOutput, StreamFormWritesAndLeavesTheStreamOpen)

@@ -32,10 +32,11 @@ std::vector<unsigned> slots_of(char const* token)
     return out;
 }
 
-std::string const nodes_2x2 = " v 0.00000000e+00 0.00000000e+00 0.00000000e+00 \n"
-                              " v 1.00000000e+00 0.00000000e+00 0.00000000e+00 \n"
-                              " v 1.00000000e+00 1.00000000e+00 0.00000000e+00 \n"
-                              " v 0.00000000e+00 1.00000000e+00 5.00000000e-01 \n";
+std::string const nodes_2x2 =
+    " v 0.00000000e+00 0.00000000e+00 0.00000000e+00 \n"
+    " v 1.00000000e+00 0.00000000e+00 0.00000000e+00 \n"
+    " v 1.00000000e+00 1.00000000e+00 0.00000000e+00 \n"
+    " v 0.00000000e+00 1.00000000e+00 5.00000000e-01 \n";
 
 }  // namespace
 
@@ -112,9 +113,10 @@ TEST(WavefrontOBJ, ReaderRules)
     // Written lines begin with a blank; comments, groups, unknown records and blank lines are
     // skipped; a fourth "v" value and vertex colours are dropped; CRLF ends lines too. The face of
     // five is dropped, index 0 is the node count so far, -1 wraps.
-    ASSERT_EQ(m.read(write_file("rules.obj", "# c\r\n\r\no box\ng side\nusemtl red\nv 1 2 3 0.5\r\n v 4 5 6\n"
-                                             "v 7 8 9 1 0 0\nl 1 2\nvt 0.5\nvt 0.25\nvn 0 0 1\n"
-                                             "f 1 2 3 4 5\nf 3/1 2/2 1/1 \nf 0 1//1 2 3\nf -1 1 2\n")),
+    ASSERT_EQ(m.read(write_file("rules.obj",
+                                "# c\r\n\r\no box\ng side\nusemtl red\nv 1 2 3 0.5\r\n v 4 5 6\n"
+                                "v 7 8 9 1 0 0\nl 1 2\nvt 0.5\nvt 0.25\nvn 0 0 1\n"
+                                "f 1 2 3 4 5\nf 3/1 2/2 1/1 \nf 0 1//1 2 3\nf -1 1 2\n")),
               0);
     ASSERT_EQ(m.pos.cols(), 3u);
     EXPECT_EQ(column(m.pos, 2), (std::vector<double>{7, 8, 9}));
@@ -167,12 +169,16 @@ TEST(WavefrontOBJ, CorpusFiles)
         std::size_t nodes, normals, textures, texture_rows, T3, Q4;
     };
     if (corpus_dir("obj").empty()) GTEST_SKIP() << "no corpus on this machine";
-    for (auto const& f : std::vector<expected>{
-             {"as_box_longline.obj", 8, 0, 0, 0, 0, 5},         {"as_concave_polygon.obj", 64, 1, 0, 0, 0, 0},
-             {"as_cube_with_vertexcolors.obj", 8, 6, 0, 0, 11, 0}, {"as_testmixed.obj", 8, 0, 0, 0, 0, 6},
-             {"tm_groups.obj", 1156, 1156, 0, 0, 2308, 0},      {"tm_jacked.obj", 8, 0, 8, 2, 11, 0},
-             {"tm_negative_indices.obj", 8, 6, 14, 2, 0, 6},    {"tm_polygonfaces.obj", 5, 0, 0, 0, 0, 0},
-             {"tm_quadknot.obj", 1440, 1440, 3, 2, 0, 1440},    {"tm_wallhole.obj", 92, 92, 92, 2, 0, 0}}) {
+    for (auto const& f : std::vector<expected>{{"as_box_longline.obj", 8, 0, 0, 0, 0, 5},
+                                               {"as_concave_polygon.obj", 64, 1, 0, 0, 0, 0},
+                                               {"as_cube_with_vertexcolors.obj", 8, 6, 0, 0, 11, 0},
+                                               {"as_testmixed.obj", 8, 0, 0, 0, 0, 6},
+                                               {"tm_groups.obj", 1156, 1156, 0, 0, 2308, 0},
+                                               {"tm_jacked.obj", 8, 0, 8, 2, 11, 0},
+                                               {"tm_negative_indices.obj", 8, 6, 14, 2, 0, 6},
+                                               {"tm_polygonfaces.obj", 5, 0, 0, 0, 0, 0},
+                                               {"tm_quadknot.obj", 1440, 1440, 3, 2, 0, 1440},
+                                               {"tm_wallhole.obj", 92, 92, 92, 2, 0, 0}}) {
         std::string path = corpus_dir("obj") + f.name;
         if (!exists(path)) continue;
         obj_mesh m;

@@ -56,8 +56,12 @@ TEST(WriterRefusals, RangeFormsInTheirOrderAndTheFilesTheyLeave)
         {"mixed solid of 7 nodes", pos, {connect(8, {0, 1, 2, 3, 0, 1, 2, N})}, {ET_SOLID_MIX}, false, {-3, -3, 0}},
         {"gap in a mixed solid", pos, {connect(8, {0, 1, N, 3, N, N, N, N})}, {ET_SOLID_MIX}, false, {-3, -3, 0}},
         {"mixed face of 5 rows", pos, {connect(5, {0, 1, 2, 3, 0})}, {ET_FACE_MIX}, false, {-3, -3, -3}},
-        {"no VTK cell", pos, {tet, connect(13, {0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0})}, {ET_TETRA4, ET_PYRAMID13},
-         false, {0, -2, 0}},
+        {"no VTK cell",
+         pos,
+         {tet, connect(13, {0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0})},
+         {ET_TETRA4, ET_PYRAMID13},
+         false,
+         {0, -2, 0}},
         {"a node", pos, {connect(1, {2})}, {ET_NODE}, false, {0, -2, 0}},
     };
     range_writer const writers[] = {medit_output, vtk_output, ensight_output};

@@ -28,8 +28,12 @@ void expect_read_back(char const* reader1, char const* reader2, std::string cons
     counts found1, found2;
     bool one = read_back(reader1, path, found1), two = read_back(reader2, path, found2);
     if (!one && !two) GTEST_SKIP() << "neither " << reader1 << " nor " << reader2 << " is installed";
-    if (one) { EXPECT_EQ(found1, expected) << reader1; }
-    if (two) { EXPECT_EQ(found2, expected) << reader2; }
+    if (one) {
+        EXPECT_EQ(found1, expected) << reader1;
+    }
+    if (two) {
+        EXPECT_EQ(found2, expected) << reader2;
+    }
 }
 
 }  // namespace
@@ -49,9 +53,9 @@ TEST(WritersInterop, VtkReadByVtkAndMeshio)
 {
     std::string path = temp_path("interop.vtk");
     ASSERT_EQ(vtk_output(path.c_str(), cube_and_apex(), mixed_solids(), mixed_faces(), ET_SOLID_MIX, ET_FACE_MIX), 0);
-    expect_read_back("vtk", "meshio", path,
-                     {{"points", 9}, {"tetra", 2}, {"hexahedron", 1}, {"pyramid", 1}, {"wedge", 1}, {"triangle", 2},
-                      {"quad", 1}});
+    expect_read_back(
+        "vtk", "meshio", path,
+        {{"points", 9}, {"tetra", 2}, {"hexahedron", 1}, {"pyramid", 1}, {"wedge", 1}, {"triangle", 2}, {"quad", 1}});
 }
 
 TEST(WritersInterop, VtkPolyVertexCellsReadByVtk)
@@ -66,15 +70,15 @@ TEST(WritersInterop, VtkPolyVertexCellsReadByVtk)
 
 TEST(WritersInterop, EnsightReadByVtk)
 {
-    dense2D<unsigned> groups[] = {connect(4, {0, 1, 2, 4, 1, 2, 3, 8}), connect(6, {0, 1, 2, 4, 5, 6}),
-                                  counting(8), connect(3, {0, 1, 2, 5, 6, 7}), connect(4, {4, 5, 6, 7})};
+    dense2D<unsigned> groups[] = {connect(4, {0, 1, 2, 4, 1, 2, 3, 8}), connect(6, {0, 1, 2, 4, 5, 6}), counting(8),
+                                  connect(3, {0, 1, 2, 5, 6, 7}), connect(4, {4, 5, 6, 7})};
     dense1D<int, 8> FEs = list<int>({ET_TETRA4, ET_WEDGE6, ET_HEXA8, ET_FACE_T3, ET_FACE_Q4});
     std::string path = temp_path("interop.geo");
     ASSERT_EQ(ensight_output(path.c_str(), cube_and_apex(), groups, groups + 5, FEs), 0);
     counts found;
     READ_BACK_OR_SKIP("ensight", path, found);
-    EXPECT_EQ(found, (counts{{"points", 9}, {"tetra", 2}, {"wedge", 1}, {"hexahedron", 1}, {"triangle", 2},
-                             {"quad", 1}}));
+    EXPECT_EQ(found,
+              (counts{{"points", 9}, {"tetra", 2}, {"wedge", 1}, {"hexahedron", 1}, {"triangle", 2}, {"quad", 1}}));
 }
 
 TEST(WritersInterop, NastranReadByMeshioAndGmsh)
@@ -106,13 +110,15 @@ TEST(WritersInterop, NastranReadByMeshioAndGmsh)
         return path;
     };
     std::vector<std::pair<element_type, char const*>> types = {
-        {ET_EDGE2, "line"},       {ET_FACE_T3, "triangle"}, {ET_FACE_Q4, "quad"},          {ET_FACE_T6, "triangle6"},
-        {ET_FACE_Q8, "quad8"},    {ET_TETRA4, "tetra"},     {ET_TETRA10, "tetra10"},       {ET_PYRAMID5, "pyramid"},
-        {ET_WEDGE6, "wedge"},     {ET_HEXA8, "hexahedron"}, {ET_HEXA20, "hexahedron20"}};
+        {ET_EDGE2, "line"},    {ET_FACE_T3, "triangle"}, {ET_FACE_Q4, "quad"},       {ET_FACE_T6, "triangle6"},
+        {ET_FACE_Q8, "quad8"}, {ET_TETRA4, "tetra"},     {ET_TETRA10, "tetra10"},    {ET_PYRAMID5, "pyramid"},
+        {ET_WEDGE6, "wedge"},  {ET_HEXA8, "hexahedron"}, {ET_HEXA20, "hexahedron20"}};
     counts expected, found;
     std::string path = write_deck("meshio.bdf", types, expected);
     bool meshio = read_back("meshio", path, found);
-    if (meshio) { EXPECT_EQ(found, expected); }
+    if (meshio) {
+        EXPECT_EQ(found, expected);
+    }
     // This meshio knows no 13-node pyramid and no 15-node wedge; gmsh keeps the corners of the
     // pyramid.
     types.push_back({ET_PYRAMID13, "pyramid"});
@@ -120,6 +126,8 @@ TEST(WritersInterop, NastranReadByMeshioAndGmsh)
     path = write_deck("gmsh.bdf", types, expected);
     found.clear();
     bool gmsh = read_back("gmsh", path, found);
-    if (gmsh) { EXPECT_EQ(found, expected); }
+    if (gmsh) {
+        EXPECT_EQ(found, expected);
+    }
     if (!meshio && !gmsh) GTEST_SKIP() << "neither meshio nor gmsh is installed";
 }

@@ -24,8 +24,9 @@ std::string binary_stl(std::uint32_t facets, std::size_t bytes)
     return text + std::string(bytes, '\0');
 }
 
-std::string const stl_text = "solid t\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n"
-                             "endloop\nendfacet\n";
+std::string const stl_text =
+    "solid t\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n"
+    "endloop\nendfacet\n";
 std::string const deck = "BEGIN BULK\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\nGRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\n";
 
 // Names in a folder.
@@ -64,7 +65,8 @@ TEST(MeshBadFiles, RefusedWithAMessageAndAnEmptyMesh)
          "line 4: GRID without a valid ID"},
         {write_file("bad_real.bdf", "GRID    1               1.5.3\n"), io_malformed,
          "line 1: GRID coordinate 1 is not a number"},
-        {write_file("bad_corner.bdf", deck + "CTRIA3,2,1,1,,3\n"), io_malformed, "line 6: CTRIA3 2: corner node 2 is blank"},
+        {write_file("bad_corner.bdf", deck + "CTRIA3,2,1,1,,3\n"), io_malformed,
+         "line 6: CTRIA3 2: corner node 2 is blank"},
         {write_file("lost_system.bdf", "GRID,1,7,0.,0.,0.\n"), io_malformed, "GRID 1 is given in system 7, which no"},
         {write_file("lost_include.bdf", "INCLUDE 'nowhere.bdf'\n"), io_malformed, "nowhere.bdf\" cannot be read"},
         {write_file("obj.stl", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"), io_malformed, "not STL"},

@@ -21,8 +21,8 @@ std::string node(int ID, char const* x, char const* y, char const* z)
 std::string element(int ID, int PID, int topology, std::vector<int> slots)
 {
     slots.resize(20, 0);
-    std::string record = std::to_string(ID) + ",124," + std::to_string(PID) + ",17," + std::to_string(topology) +
-                         ",1,0,0,0,0,0,0,\n";
+    std::string record =
+        std::to_string(ID) + ",124," + std::to_string(PID) + ",17," + std::to_string(topology) + ",1,0,0,0,0,0,0,\n";
     for (int s = 0; s < 20; ++s) record += std::to_string(slots[s]) + (s == 9 || s == 19 ? ",\n" : ",");
     return record + "0.,0.,0.,\n0.,0.,0.,\n0.,0.,0.,\n0,0,0,0,\n";
 }
@@ -33,7 +33,8 @@ TEST(FemapExact, BlocksExponentsAndReferences)
 {
     std::string head = "   -1\n   100\n<NULL>\n7.,\n   -1\n";
     std::string nodes = "   -1\n   403\n" + node(11, "2.5D+01", "-1.D-3", "0.0000000000000000D+00") +
-                        node(12, "1.", "0.", "0.") + node(13, "0.", "1.", "0.") + node(14, "0.", "0.", "1.") + "   -1\n";
+                        node(12, "1.", "0.", "0.") + node(13, "0.", "1.", "0.") + node(14, "0.", "0.", "1.") +
+                        "   -1\n";
     std::string elements = "   -1\n   404\n" + element(1, 7, 6, {11, 12, 13, 0, 14}) +  // tetrahedron, slot 3 unused
                            element(2, 9, 2, {11, 12, 13}) + element(3, 9, 11, {}) + "   -1\n";
     std::string path = exchange_test::write_file("exact.neu", head + nodes + "$COM between blocks\n" + elements);
@@ -81,10 +82,10 @@ TEST(FemapExact, FilesOfOtherSoftwareCounted)
         char const* name;
         std::size_t nodes, elements;  // from the block lines
         unsigned first_ID;
-        double first[3];              // read off the file
+        double first[3];  // read off the file
     };
-    for (file const& f : std::vector<file>{{"pyn_cp2anti.neu", 0, 0, 1001, {8., 0., -5.}},
-                                           {"pyn_f16-aero.neu", 0, 0, 0, {}}}) {
+    for (file const& f :
+         std::vector<file>{{"pyn_cp2anti.neu", 0, 0, 1001, {8., 0., -5.}}, {"pyn_f16-aero.neu", 0, 0, 0, {}}}) {
         std::ifstream in(folder + f.name);
         std::size_t nodes = 0, element_lines = 0;
         std::string line, block;

@@ -16,8 +16,8 @@ TEST(GmshFiles, ReadWithGmshCounts)
         char const* name;
         char const* form;
     };
-    for (file f : std::vector<file>{{"gmsh_free.bdf", "0"}, {"gmsh_small.bdf", "1"}, {"gmsh_large.bdf", "2"},
-                                    {"gmsh.mesh", "-"}}) {
+    for (file f : std::vector<file>{
+             {"gmsh_free.bdf", "0"}, {"gmsh_small.bdf", "1"}, {"gmsh_large.bdf", "2"}, {"gmsh.mesh", "-"}}) {
         std::string path = exchange_test::temp_path(f.name);
         std::map<std::string, long> gmsh;
         if (!exchange_test::run_read_script("tests/mesh_io/write_with_gmsh.py", f.form, path, gmsh))

@@ -18,23 +18,40 @@ using counts = std::map<std::string, long>;
 char const* kind_name(element_type type)
 {
     switch (type) {
-    case ET_NODE: return "vertex";
-    case ET_EDGE2: return "line";
-    case ET_EDGE3: return "line3";
-    case ET_FACE_T3: return "triangle";
-    case ET_FACE_Q4: return "quad";
-    case ET_FACE_T6: return "triangle6";
-    case ET_FACE_Q8: return "quad8";
-    case ET_FACE_Q9: return "quad9";
-    case ET_TETRA4: return "tetra";
-    case ET_TETRA10: return "tetra10";
-    case ET_PYRAMID5: return "pyramid";
-    case ET_PYRAMID13: return "pyramid13";
-    case ET_WEDGE6: return "wedge";
-    case ET_WEDGE15: return "wedge15";
-    case ET_HEXA8: return "hexahedron";
-    case ET_HEXA20: return "hexahedron20";
-    default: return "none";
+    case ET_NODE:
+        return "vertex";
+    case ET_EDGE2:
+        return "line";
+    case ET_EDGE3:
+        return "line3";
+    case ET_FACE_T3:
+        return "triangle";
+    case ET_FACE_Q4:
+        return "quad";
+    case ET_FACE_T6:
+        return "triangle6";
+    case ET_FACE_Q8:
+        return "quad8";
+    case ET_FACE_Q9:
+        return "quad9";
+    case ET_TETRA4:
+        return "tetra";
+    case ET_TETRA10:
+        return "tetra10";
+    case ET_PYRAMID5:
+        return "pyramid";
+    case ET_PYRAMID13:
+        return "pyramid13";
+    case ET_WEDGE6:
+        return "wedge";
+    case ET_WEDGE15:
+        return "wedge15";
+    case ET_HEXA8:
+        return "hexahedron";
+    case ET_HEXA20:
+        return "hexahedron20";
+    default:
+        return "none";
     }
 }
 
@@ -63,10 +80,9 @@ bool among(std::vector<element_type> const& types, element_type t)
 TEST(MeshInterop, PortableFilesReadByOtherPrograms)
 {
     std::vector<element_type> no_vtk = {ET_PYRAMID14, ET_WEDGE18, ET_HEXA27};
-    std::vector<element_type> higher = {ET_NODE,    ET_EDGE3,     ET_FACE_T6,   ET_FACE_Q8, ET_FACE_Q9, ET_TETRA10,
+    std::vector<element_type> higher = {ET_NODE,      ET_EDGE3,     ET_FACE_T6, ET_FACE_Q8, ET_FACE_Q9, ET_TETRA10,
                                         ET_PYRAMID13, ET_PYRAMID14, ET_WEDGE15, ET_WEDGE18, ET_HEXA20,  ET_HEXA27};
-    std::vector<element_type> no_nastran = {ET_NODE,      ET_EDGE3,   ET_FACE_Q9, ET_PYRAMID14,
-                                            ET_WEDGE18, ET_HEXA27};
+    std::vector<element_type> no_nastran = {ET_NODE, ET_EDGE3, ET_FACE_Q9, ET_PYRAMID14, ET_WEDGE18, ET_HEXA27};
     std::vector<element_type> no_ensight = {ET_FACE_Q9, ET_PYRAMID14, ET_WEDGE18, ET_HEXA27};
     std::vector<element_type> but_triangles, but_faces;
     for (int t = ET_NODE; t <= ET_HEXA27; ++t) {

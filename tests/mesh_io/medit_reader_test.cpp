@@ -11,8 +11,9 @@ using namespace qv7::tessarium;
 TEST(MeditReader, KeywordsCommentsAndRefusals)
 {
     std::string path = exchange_test::write_file(
-        "hand.mesh", "MeshVersionFormatted 2 # a comment\nDimension\n2\nVertices\n3\n0 0 1\n1.5e0 0 2\n0 1 3\n"
-                     "Corners 1 1\nTriangles 1\n1 2 3 7\nEdges 2 1 2 4 2 3 5\nEnd\n");
+        "hand.mesh",
+        "MeshVersionFormatted 2 # a comment\nDimension\n2\nVertices\n3\n0 0 1\n1.5e0 0 2\n0 1 3\n"
+        "Corners 1 1\nTriangles 1\n1 2 3 7\nEdges 2 1 2 4 2 3 5\nEnd\n");
     mesh m;
     io_report r = read_mesh(path, m);
     ASSERT_TRUE(r) << r.message;
@@ -30,13 +31,13 @@ TEST(MeditReader, KeywordsCommentsAndRefusals)
         char const* text;
         char const* says;
     };
-    for (bad b : std::vector<bad>{{"MeshVersionFormatted 2\nDimension 3\nVertices 99999999999\n0 0 0 0\n",
-                                   "99999999999 entries cannot fit"},
-                                  {"MeshVersionFormatted 2\nDimension 3\nVertices 2\n0 0 0 0\n0 0 x 1\n", "vertex 2"},
-                                  {"MeshVersionFormatted 2\nFrogs 1\n", "unknown keyword \"Frogs\""},
-                                  {"Dimension 3\n", "no MeshVersionFormatted"},
-                                  {"MeshVersionFormatted 2\nDimension 3\nVertices 1\n0 0 0 0\nTriangles 1\n1 1 2 x\n",
-                                   "Triangles 1: a vertex or the reference is missing"}}) {
+    for (bad b : std::vector<bad>{
+             {"MeshVersionFormatted 2\nDimension 3\nVertices 99999999999\n0 0 0 0\n", "99999999999 entries cannot fit"},
+             {"MeshVersionFormatted 2\nDimension 3\nVertices 2\n0 0 0 0\n0 0 x 1\n", "vertex 2"},
+             {"MeshVersionFormatted 2\nFrogs 1\n", "unknown keyword \"Frogs\""},
+             {"Dimension 3\n", "no MeshVersionFormatted"},
+             {"MeshVersionFormatted 2\nDimension 3\nVertices 1\n0 0 0 0\nTriangles 1\n1 1 2 x\n",
+              "Triangles 1: a vertex or the reference is missing"}}) {
         io_report refused = read_mesh(exchange_test::write_file("bad.mesh", b.text), m);
         EXPECT_EQ(refused.code, io_malformed);
         EXPECT_NE(refused.message.find(b.says), std::string::npos) << refused.message;

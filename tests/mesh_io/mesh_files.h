@@ -36,30 +36,49 @@ inline std::vector<std::vector<double>> reference_nodes(element_type type)
                                                     {0, 1}, {4, 5}, {5, 3}, {3, 4}};
     std::vector<std::pair<int, int>> pyramid_edges = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {0, 4}, {1, 4}, {2, 4}, {3, 4}};
     switch (type) {
-    case ET_NODE: return {{0, 0, 0}};
-    case ET_EDGE2: return {{0, 0, 0}, {1, 0, 0}};
-    case ET_EDGE3: return {{0, 0, 0}, {1, 0, 0}, {0.5, 0, 0}};
-    case ET_FACE_T3: return {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    case ET_FACE_T6: return with_mids({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{1, 2}, {2, 0}, {0, 1}});
-    case ET_FACE_Q4: return quad;
-    case ET_FACE_Q8: return with_mids(quad, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
-    case ET_FACE_Q9: return with_mids(with_mids(quad, {{0, 1}, {1, 2}, {2, 3}, {3, 0}}), {{0, 2}});
-    case ET_TETRA4: return tetra;
-    case ET_TETRA10: return with_mids(tetra, {{1, 2}, {2, 0}, {0, 1}, {0, 3}, {1, 3}, {2, 3}});
-    case ET_PYRAMID5: return pyramid;
-    case ET_PYRAMID13: return with_mids(pyramid, pyramid_edges);
-    case ET_PYRAMID14: return with_mids(with_mids(pyramid, pyramid_edges), {{0, 2}});
-    case ET_WEDGE6: return wedge;
-    case ET_WEDGE15: return with_mids(wedge, wedge_edges);
-    case ET_WEDGE18: return with_mids(with_mids(wedge, wedge_edges), {{0, 4}, {1, 5}, {2, 3}});
-    case ET_HEXA8: return hexa;
-    case ET_HEXA20: return with_mids(hexa, hexa_edges);
+    case ET_NODE:
+        return {{0, 0, 0}};
+    case ET_EDGE2:
+        return {{0, 0, 0}, {1, 0, 0}};
+    case ET_EDGE3:
+        return {{0, 0, 0}, {1, 0, 0}, {0.5, 0, 0}};
+    case ET_FACE_T3:
+        return {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    case ET_FACE_T6:
+        return with_mids({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{1, 2}, {2, 0}, {0, 1}});
+    case ET_FACE_Q4:
+        return quad;
+    case ET_FACE_Q8:
+        return with_mids(quad, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
+    case ET_FACE_Q9:
+        return with_mids(with_mids(quad, {{0, 1}, {1, 2}, {2, 3}, {3, 0}}), {{0, 2}});
+    case ET_TETRA4:
+        return tetra;
+    case ET_TETRA10:
+        return with_mids(tetra, {{1, 2}, {2, 0}, {0, 1}, {0, 3}, {1, 3}, {2, 3}});
+    case ET_PYRAMID5:
+        return pyramid;
+    case ET_PYRAMID13:
+        return with_mids(pyramid, pyramid_edges);
+    case ET_PYRAMID14:
+        return with_mids(with_mids(pyramid, pyramid_edges), {{0, 2}});
+    case ET_WEDGE6:
+        return wedge;
+    case ET_WEDGE15:
+        return with_mids(wedge, wedge_edges);
+    case ET_WEDGE18:
+        return with_mids(with_mids(wedge, wedge_edges), {{0, 4}, {1, 5}, {2, 3}});
+    case ET_HEXA8:
+        return hexa;
+    case ET_HEXA20:
+        return with_mids(hexa, hexa_edges);
     case ET_HEXA27: {
         P p = with_mids(hexa, hexa_edges);
         for (int f = 0; f < 7; ++f) p.push_back({0.5, 0.5, 0.5});
         return p;
     }
-    default: return {};
+    default:
+        return {};
     }
 }
 

@@ -54,11 +54,21 @@ TEST(NastranExact, RealFieldsInEveryForm)
         bool ok;
         double value;
     };
-    for (real c : std::vector<real>{{"1.5-3", true, 1.5e-3}, {"-2.+4", true, -2e4}, {"1.D-3", true, 1e-3},
-                                     {"2.5D+01", true, 25.0}, {" 73.8 E+3", true, 73.8e3}, {".5", true, 0.5},
-                                     {"+3.", true, 3.0}, {"-1.42569-13", true, -1.42569e-13}, {"7", true, 7.0},
-                                     {"1.5e-3 ", true, 1.5e-3}, {"", false, 0}, {"1.5.3", false, 0},
-                                     {"1-", false, 0}, {"abc", false, 0}, {"--1", false, 0}}) {
+    for (real c : std::vector<real>{{"1.5-3", true, 1.5e-3},
+                                    {"-2.+4", true, -2e4},
+                                    {"1.D-3", true, 1e-3},
+                                    {"2.5D+01", true, 25.0},
+                                    {" 73.8 E+3", true, 73.8e3},
+                                    {".5", true, 0.5},
+                                    {"+3.", true, 3.0},
+                                    {"-1.42569-13", true, -1.42569e-13},
+                                    {"7", true, 7.0},
+                                    {"1.5e-3 ", true, 1.5e-3},
+                                    {"", false, 0},
+                                    {"1.5.3", false, 0},
+                                    {"1-", false, 0},
+                                    {"abc", false, 0},
+                                    {"--1", false, 0}}) {
         double v = 0.0;
         std::string t = c.text;
         EXPECT_EQ(__parse_real(t.data(), t.data() + t.size(), v), c.ok) << t;
@@ -84,8 +94,7 @@ TEST(NastranExact, EveryFieldFormContinuationAndSystem)
         row({"GRID", "       2", "       0", "      1.", "      2.", "      3."}) +
         row({"GRID*", "3", "0", "-1.42569-13", "2."}, 16) + row({"*", "3."}, 16) +
         row({"GRID*", "4", "", "1.0", "2.0"}, 16) + row({"*", "4.0"}, 16) +  // blank continuation field
-        "GRID,5,,0.,0.,1.\n" + "GRID*,6,,1.,1.,+A\n*A,1.\n" +
-        row({"GRID", "99999999", "1", "1.", "2.", "3."}) +
+        "GRID,5,,0.,0.,1.\n" + "GRID*,6,,1.,1.,+A\n*A,1.\n" + row({"GRID", "99999999", "1", "1.", "2.", "3."}) +
         // system 1: origin (10,0,0), x1 along y, x3 along z
         row({"CORD2R", "1", "", "10.", "0.", "0.", "10.", "0.", "1.", "+C1"}) + row({"+C1", "10.", "1.", "0."}) +
         "CORD2C,4,1,0.,0.,0.,0.,0.,1.\n,1.,0.,0.\n" + "$ a comment between card and continuation\n" +
@@ -100,9 +109,16 @@ TEST(NastranExact, EveryFieldFormContinuationAndSystem)
     mesh m;
     io_report r = read_mesh(folder + "/deck.bdf", m);
     ASSERT_TRUE(r) << r.message;
-    std::map<unsigned, std::array<double, 3>> expected = {
-        {1, {1.5e-3, -2e4, 1e-3}}, {2, {1, 2, 3}}, {3, {-1.42569e-13, 2, 3}}, {4, {1, 2, 4}}, {5, {0, 0, 1}},
-        {6, {1, 1, 1}}, {99999999, {8, 1, 3}}, {7, {9, 0, 5}}, {8, {0, 2, 0}}, {9, {0, 0, 9}}};
+    std::map<unsigned, std::array<double, 3>> expected = {{1, {1.5e-3, -2e4, 1e-3}},
+                                                          {2, {1, 2, 3}},
+                                                          {3, {-1.42569e-13, 2, 3}},
+                                                          {4, {1, 2, 4}},
+                                                          {5, {0, 0, 1}},
+                                                          {6, {1, 1, 1}},
+                                                          {99999999, {8, 1, 3}},
+                                                          {7, {9, 0, 5}},
+                                                          {8, {0, 2, 0}},
+                                                          {9, {0, 0, 9}}};
     std::map<unsigned, std::array<double, 3>> got = nodes_by_ID(m);
     ASSERT_EQ(got.size(), expected.size());
     for (auto const& [ID, x] : expected)
@@ -131,7 +147,8 @@ TEST(NastranExact, EveryFieldFormContinuationAndSystem)
                    a[2] * (c[0] * d[1] - c[1] * d[0]);
         };
         std::array<double, 3> local[4], file[4] = {expected[1], expected[2], expected[3], expected[4]};
-        for (int i = 0; i < 4; ++i) local[i] = {m.pos(0, b.connect(i, 0)), m.pos(1, b.connect(i, 0)), m.pos(2, b.connect(i, 0))};
+        for (int i = 0; i < 4; ++i)
+            local[i] = {m.pos(0, b.connect(i, 0)), m.pos(1, b.connect(i, 0)), m.pos(2, b.connect(i, 0))};
         EXPECT_LT(triple(local) * triple(file), 0.0);
     }
 }
@@ -141,19 +158,32 @@ TEST(NastranExact, DecksOfOtherSoftwareCountedCardByCard)
 {
     std::string folder = exchange_test::corpus_dir("nastran");
     if (folder.empty()) GTEST_SKIP() << "no decks of other software on this machine";
-    std::map<std::string, int> family = {
-        {"CBAR", 0},   {"CBEAM", 0},  {"CBEND", 0},  {"CROD", 0},   {"CONROD", 0}, {"CTUBE", 0},  {"CTRIA3", 1},
-        {"CTRIAR", 1}, {"CTRIA6", 1}, {"CQUAD4", 2}, {"CQUADR", 2}, {"CQUAD8", 2}, {"CQUAD", 2},  {"CSHEAR", 2},
-        {"CTETRA", 3}, {"CPYRAM", 4}, {"CPYRA", 4},  {"CPENTA", 5}, {"CHEXA", 6}};
+    std::map<std::string, int> family = {{"CBAR", 0},   {"CBEAM", 0},  {"CBEND", 0},  {"CROD", 0},   {"CONROD", 0},
+                                         {"CTUBE", 0},  {"CTRIA3", 1}, {"CTRIAR", 1}, {"CTRIA6", 1}, {"CQUAD4", 2},
+                                         {"CQUADR", 2}, {"CQUAD8", 2}, {"CQUAD", 2},  {"CSHEAR", 2}, {"CTETRA", 3},
+                                         {"CPYRAM", 4}, {"CPYRA", 4},  {"CPENTA", 5}, {"CHEXA", 6}};
     auto family_of = [](element_type t) {
         switch (t) {
-        case ET_EDGE2: return 0;
-        case ET_FACE_T3: case ET_FACE_T6: return 1;
-        case ET_FACE_Q4: case ET_FACE_Q8: case ET_FACE_Q9: return 2;
-        case ET_TETRA4: case ET_TETRA10: return 3;
-        case ET_PYRAMID5: case ET_PYRAMID13: return 4;
-        case ET_WEDGE6: case ET_WEDGE15: return 5;
-        default: return 6;
+        case ET_EDGE2:
+            return 0;
+        case ET_FACE_T3:
+        case ET_FACE_T6:
+            return 1;
+        case ET_FACE_Q4:
+        case ET_FACE_Q8:
+        case ET_FACE_Q9:
+            return 2;
+        case ET_TETRA4:
+        case ET_TETRA10:
+            return 3;
+        case ET_PYRAMID5:
+        case ET_PYRAMID13:
+            return 4;
+        case ET_WEDGE6:
+        case ET_WEDGE15:
+            return 5;
+        default:
+            return 6;
         }
     };
     DIR* dir = opendir(folder.c_str());

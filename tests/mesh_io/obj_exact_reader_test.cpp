@@ -14,7 +14,8 @@ using namespace qv7::tessarium;
 
 namespace {
 
-std::vector<std::vector<unsigned>> columns(mesh const& m, element_type type, std::vector<unsigned>* references = nullptr)
+std::vector<std::vector<unsigned>> columns(mesh const& m, element_type type,
+                                           std::vector<unsigned>* references = nullptr)
 {
     std::vector<std::vector<unsigned>> all;
     for (element_block const& b : m.blocks) {
@@ -32,9 +33,10 @@ std::vector<std::vector<unsigned>> columns(mesh const& m, element_type type, std
 TEST(ObjExact, PolygonsRelativeIndicesGroupsAndLastLine)
 {
     std::string path = exchange_test::write_file(
-        "exact.obj", "# five vertices\r\nv 0 0 0\r\nv 1 0 0 0.5 0.5 0.5\nv 1 1 0\nv 0 1 0\nv 0.5 1.5 0\n"
-                     "o part\nf 1 2 3 4 5\ng side\nf -5 -4 \\\n -3\nl 1 2 3\ng\nf 1/1 3//2 4/2/2 6\nv 9 9 9\n"
-                     "usemtl red\nf 1 2 3 4");
+        "exact.obj",
+        "# five vertices\r\nv 0 0 0\r\nv 1 0 0 0.5 0.5 0.5\nv 1 1 0\nv 0 1 0\nv 0.5 1.5 0\n"
+        "o part\nf 1 2 3 4 5\ng side\nf -5 -4 \\\n -3\nl 1 2 3\ng\nf 1/1 3//2 4/2/2 6\nv 9 9 9\n"
+        "usemtl red\nf 1 2 3 4");
     mesh m;
     io_report r = read_mesh(path, m);
     ASSERT_TRUE(r) << r.message;

@@ -16,7 +16,10 @@ using exchange_test::temp_path;
 namespace {
 
 // Bit for bit.
-bool same_bits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+bool same_bits(double a, double b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
 
 void expect_same_nodes(mesh const& read, mesh const& written)
 {
@@ -47,16 +50,17 @@ void expect_same_blocks(mesh const& read, mesh const& written, bool references)
 
 bool nastran_type(element_type t)
 {
-    return t != ET_NODE && t != ET_EDGE3 && t != ET_FACE_Q9 && t != ET_PYRAMID14 && t != ET_WEDGE18 &&
-           t != ET_HEXA27;
+    return t != ET_NODE && t != ET_EDGE3 && t != ET_FACE_Q9 && t != ET_PYRAMID14 && t != ET_WEDGE18 && t != ET_HEXA27;
 }
 bool femap_type(element_type t)
 {
-    return t == ET_NODE || t == ET_EDGE2 || t == ET_EDGE3 || t == ET_FACE_T3 || t == ET_FACE_Q4 ||
-           t == ET_FACE_T6 || t == ET_FACE_Q8 || t == ET_TETRA4 || t == ET_TETRA10 || t == ET_WEDGE6 ||
-           t == ET_HEXA8 || t == ET_HEXA20;
+    return t == ET_NODE || t == ET_EDGE2 || t == ET_EDGE3 || t == ET_FACE_T3 || t == ET_FACE_Q4 || t == ET_FACE_T6 ||
+           t == ET_FACE_Q8 || t == ET_TETRA4 || t == ET_TETRA10 || t == ET_WEDGE6 || t == ET_HEXA8 || t == ET_HEXA20;
 }
-bool obj_type(element_type t) { return t == ET_FACE_T3 || t == ET_FACE_Q4; }
+bool obj_type(element_type t)
+{
+    return t == ET_FACE_T3 || t == ET_FACE_Q4;
+}
 bool medit_type(element_type t)
 {
     return t == ET_EDGE2 || t == ET_FACE_T3 || t == ET_FACE_Q4 || t == ET_TETRA4 || t == ET_PYRAMID5 ||
@@ -125,7 +129,7 @@ TEST(MeshRoundTrip, FaithfulOptionWritesTheFormatFunctionsBytes)
     std::copy(m.blocks[0].connect.col(0), m.blocks[0].connect.col(0) + 4, connectM.col(0));
     std::copy(m.blocks[1].connect.col(0), m.blocks[1].connect.col(0) + 8, connectM.col(1));
     ASSERT_EQ(NASTRAN_output(theirs.c_str(), m.pos, connectM, exchange_test::array<unsigned>({0, 1, 2}),
-                             exchange_test::array<int>({ET_TETRA4, ET_HEXA8}), 
+                             exchange_test::array<int>({ET_TETRA4, ET_HEXA8}),
                              exchange_test::array<unsigned>({m.blocks[0].references[0], m.blocks[1].references[0]})),
               0);
     EXPECT_EQ(exchange_test::contents(ours), exchange_test::contents(theirs));
@@ -163,8 +167,10 @@ TEST(MeshValue, CountsBoxAndMixedForms)
             from_mixed[b.type].insert(std::vector<unsigned>(b.connect.col(e), b.connect.col(e) + b.connect.rows()));
     for (element_block const& b : m.blocks) {
         if (element_dim(b.type) != 3) continue;
-        element_type corner = b.type <= ET_TETRA10 ? ET_TETRA4 : b.type <= ET_PYRAMID14 ? ET_PYRAMID5
-                              : b.type <= ET_WEDGE18 ? ET_WEDGE6 : ET_HEXA8;
+        element_type corner = b.type <= ET_TETRA10     ? ET_TETRA4
+                              : b.type <= ET_PYRAMID14 ? ET_PYRAMID5
+                              : b.type <= ET_WEDGE18   ? ET_WEDGE6
+                                                       : ET_HEXA8;
         corners[corner].insert(std::vector<unsigned>(b.connect.col(0), b.connect.col(0) + nbr_nodes(corner)));
     }
     EXPECT_EQ(from_mixed, corners);
@@ -192,9 +198,10 @@ TEST(MeshRoundTrip, MeditSolutionBesideTheMeshInKeywordForm)
 
 TEST(MeshRoundTrip, NastranCardsPassedOverAreCountedByName)
 {
-    std::string path = exchange_test::write_file(
-        "passed_over.bdf", "$ head\nBEGIN BULK\nMAT1,1\nPSHELL,1\nPSHELL,2\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\n"
-                           "GRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\nCTRIA3,2,1,1,2\nENDDATA\nFORCE,9\n");
+    std::string path =
+        exchange_test::write_file("passed_over.bdf",
+                                  "$ head\nBEGIN BULK\nMAT1,1\nPSHELL,1\nPSHELL,2\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\n"
+                                  "GRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\nCTRIA3,2,1,1,2\nENDDATA\nFORCE,9\n");
     mesh m;
     io_options faithful;
     faithful.faithful = true;
@@ -203,6 +210,8 @@ TEST(MeshRoundTrip, NastranCardsPassedOverAreCountedByName)
     EXPECT_EQ(r.elements, 1u);
     std::vector<std::pair<std::string, std::size_t>> passed;
     for (io_count const& c : r.passed_over) passed.push_back({c.what, c.count});
-    EXPECT_EQ(passed, (std::vector<std::pair<std::string, std::size_t>>{
-                          {"MAT1 cards", 1}, {"PSHELL cards", 2}, {"element cards of another node count or in large field", 1}}));
+    EXPECT_EQ(
+        passed,
+        (std::vector<std::pair<std::string, std::size_t>>{
+            {"MAT1 cards", 1}, {"PSHELL cards", 2}, {"element cards of another node count or in large field", 1}}));
 }

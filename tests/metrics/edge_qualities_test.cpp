@@ -46,8 +46,8 @@ struct sized_mesh {
 
 TEST(EdgeQualities, EveryEdgeOnceWithItsMetricLength)
 {
-    for (auto const& [mm, dim, type] : {std::tuple{box(3, 2, 2, TETRAS, 4), 3u, ET_TETRA4},
-                                        std::tuple{grid(4, 3, 2, 4), 2u, ET_FACE_MIX}}) {
+    for (auto const& [mm, dim, type] :
+         {std::tuple{box(3, 2, 2, TETRAS, 4), 3u, ET_TETRA4}, std::tuple{grid(4, 3, 2, 4), 2u, ET_FACE_MIX}}) {
         sized_mesh s(mm, dim, type);
         double expected = 0;  // L log(h_b / h_a) / (h_b - h_a) for sizes varying linearly
         for (std::size_t j = 0; j < s.edges.cols(); ++j) {

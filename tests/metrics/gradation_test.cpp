@@ -154,8 +154,8 @@ TEST(BoundMetricGradations, RefusalsInOrder)
     auto h = sizes({1, 2, 3});
     auto short_h = sizes({1, 2});
     double inf = qv7::DBL_LIMIT;
-    auto run = [&](dense2D<double> const& p, dense2D<unsigned> const& c, dense1D<unsigned, 8> const& list,
-                   double bound, dense1D<double, 8>& m) {
+    auto run = [&](dense2D<double> const& p, dense2D<unsigned> const& c, dense1D<unsigned, 8> const& list, double bound,
+                   dense1D<double, 8>& m) {
         return bound_metric_gradations(p, c, qv7::ET_FACE_T3, list, true, 0, bound, m);
     };
     EXPECT_EQ(run(pos5, tri, {}, inf, h), 0);
@@ -275,7 +275,8 @@ TEST(BoundMetricGradations, AdversarialMapsEnd)
         if (kind == 2) b.h[17] = nan;
         dense2D<double> tensors;
         tensors.resize(6, b.h.size(), 0.0);
-        for (std::size_t v = 0; v < b.h.size(); ++v) tensors(0, v) = tensors(2, v) = tensors(5, v) = 1 / (b.h[v] * b.h[v]);
+        for (std::size_t v = 0; v < b.h.size(); ++v)
+            tensors(0, v) = tensors(2, v) = tensors(5, v) = 1 / (b.h[v] * b.h[v]);
         for (int direction : {0, 1, -1}) {
             dense1D<double, 8> h;
             h.copy(b.h);

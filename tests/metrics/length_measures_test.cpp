@@ -39,8 +39,7 @@ struct random_edge {
 
 // The measure of edge 0-1 with m at node 0, and the value of a measure whose size slope is x.
 template <class L, class Manager, class Metric>
-double measure_with(H_shock_measure<L> const& measure, dense2D<double> const& pos, Manager const& mgr,
-                    Metric const& m)
+double measure_with(H_shock_measure<L> const& measure, dense2D<double> const& pos, Manager const& mgr, Metric const& m)
 {
     double length;
     return measure.val(m, mgr.get_metric(1), __edge_vector<L::dim>(pos, 0, 1), length);
@@ -52,9 +51,15 @@ double measure_with(H_variation_measure<L> const& measure, dense2D<double> const
     return measure.val(pos, mgr, 0, 1, m);
 }
 template <class L>
-double of_slope(H_shock_measure<L> const&, double x) { return std::exp(x) - 1; }
+double of_slope(H_shock_measure<L> const&, double x)
+{
+    return std::exp(x) - 1;
+}
 template <class L>
-double of_slope(H_variation_measure<L> const&, double x) { return x; }
+double of_slope(H_variation_measure<L> const&, double x)
+{
+    return x;
+}
 
 // On edge 0-1 the measure is its closed form in the slope |h1 - h0| / L of the sizes along the
 // edge; moving the size at node 0 by the fraction t that get_metric_ratio gives (for a tensor, by

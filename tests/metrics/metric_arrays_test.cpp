@@ -39,16 +39,30 @@ TEST(MetricArrays, ResultsOnBadInputInOrder)
         std::function<long()> call;
         long result;
     } table[] = {
-        {[&] { return first_invalid_metric(list<double>({1, 2, 0, NaN})); }, 2},
-        {[&] { return first_invalid_metric(list<double>({1, DBL_LIMIT})); }, 1},
-        {[&] { return first_invalid_metric(list({1u, 4u}), sizes); }, 1},  // past the array
-        {[&] { return first_invalid_metric(list({1u, 0u, 3u}), T2); }, 2},
+        {[&] {
+             return first_invalid_metric(list<double>({1, 2, 0, NaN}));
+         },
+         2},
+        {[&] {
+             return first_invalid_metric(list<double>({1, DBL_LIMIT}));
+         },
+         1},
+        {[&] {
+             return first_invalid_metric(list({1u, 4u}), sizes);
+         },
+         1},  // past the array
+        {[&] {
+             return first_invalid_metric(list({1u, 0u, 3u}), T2);
+         },
+         2},
         {[&] { return first_invalid_metric(T3); }, 2},
-        {[&] { return first_invalid_metric(list({1u, 3u}), T3); }, 1},
+        {[&] {
+             return first_invalid_metric(list({1u, 3u}), T3);
+         },
+         1},
         {[&] { return first_invalid_metric(none) + are_valid_metrics(none) * 10 + are_valid_metrics(empty) * 100; },
          110},
-        {[&] { return first_invalid_metric(four) + are_valid_metrics(four) + are_valid_metrics(list({0u}), four); },
-         0},
+        {[&] { return first_invalid_metric(four) + are_valid_metrics(four) + are_valid_metrics(list({0u}), four); }, 0},
         {[&] { return bound_metric(nan3, 0, DBL_LIMIT); }, 0},
         {[&] { return bound_metric(nan3, NaN, 1); }, -2},
         {[&] { return bound_metric(nan3, 1, -inf); }, -3},
@@ -62,7 +76,10 @@ TEST(MetricArrays, ResultsOnBadInputInOrder)
         {[&] { return bound_metrics(T2, 1, NaN); }, -3},
         {[&] { return metrics_iso_to_aniso2d(none, empty); }, 0},
         {[&] { return metrics_iso_to_aniso2d(sizes, T3); }, -2},
-        {[&] { return metrics_iso_to_aniso3d(list<double>({1, 1, 1, 1, 1}), T3); }, -2},
+        {[&] {
+             return metrics_iso_to_aniso3d(list<double>({1, 1, 1, 1, 1}), T3);
+         },
+         -2},
         {[&] { return metrics_iso_to_aniso3d(none, T3); }, 0},
         {[&] { return metrics_iso_to_aniso2d(none, empty, empty); }, 0},
         {[&] { return metrics_iso_to_aniso2d(none, empty, T2); }, -2},
@@ -108,8 +125,7 @@ TEST(MetricArrays, PowerMeansOnA345Triangle)
         {matrix<unsigned>(3, 1, {0, 1, 2}), ET_FACE_T3, 0, {3, 3, 4}},
         {matrix<unsigned>(3, 1, {0, 1, 2}), ET_FACE_T3, DBL_LIMIT, {4, 5, 5}},
         {matrix<unsigned>(3, 1, {0, 1, 2}), ET_FACE_MIX, 1, {3.5, 4, 4.5}},
-        {matrix<unsigned>(4, 1, {0, 1, 2, NONE_ID}), ET_FACE_MIX, 2,
-         {std::sqrt(12.5), std::sqrt(17), std::sqrt(20.5)}},
+        {matrix<unsigned>(4, 1, {0, 1, 2, NONE_ID}), ET_FACE_MIX, 2, {std::sqrt(12.5), std::sqrt(17), std::sqrt(20.5)}},
     };
     for (auto& r : table) {
         dense1D<double, 8> metrics;

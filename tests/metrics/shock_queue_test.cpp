@@ -56,7 +56,9 @@ bool same(__shock_entry const& x, __shock_entry const& y)
 TEST(ShockQueue, PopsEntryByEntryAsThePlainHeap)
 {
     // Few distinct priorities, so that ties decide most pops; the last case grows past two pages.
-    struct run { unsigned levels, steps, push_percent; };
+    struct run {
+        unsigned levels, steps, push_percent;
+    };
     for (run r : {run{1, 2000, 60}, run{3, 20000, 55}, run{7, 20000, 70}, run{4, 700000, 75}}) {
         std::mt19937 rng(r.levels);
         qv7::__shock_queue q;

@@ -53,8 +53,7 @@ TEST(GetIDs, LoopsMatchFromAnyStartInEitherDirectionUnlessOrdered)
     EXPECT_EQ(match(a, b, false), both_ways({0, 0, 0, N, 0}, {0}));
     EXPECT_EQ(match(a, b, true), both_ways({N, N, N, N, 0}, {4}));
     // The terms of 0 and 3 add up to those of 1 and 2: one key, yet no match.
-    EXPECT_EQ(match(matrix<unsigned>(2, {0, 3}), matrix<unsigned>(2, {1, 2, 3, 0}), false),
-              both_ways({N, 0}, {1}));
+    EXPECT_EQ(match(matrix<unsigned>(2, {0, 3}), matrix<unsigned>(2, {1, 2, 3, 0}), false), both_ways({N, 0}, {1}));
     IDs out_b, out_a;  // lists match by value, first positions both ways
     EXPECT_EQ(ts::get_IDs(list({5u, 3u, 5u, N, 8u}), list({8u, 5u, 9u, N, 5u}), out_b, out_a), 0);
     EXPECT_EQ(both_ways(values(out_b), values(out_a)), both_ways({4, 0, N, N, 0}, {1, N, N, N, 0}));

@@ -32,23 +32,78 @@ TEST(Transforms, MoveCountAndGrowToTheirDimension)
     // Each case starts from the nodes (0, 0), (1, 0), (2, 1). A list moves each occurrence and
     // skips numbers beyond the nodes; a connectivity moves each node once.
     move_case const cases[] = {
-        {[](pos_type& p) { return ts::translate(p, vec3{{0, -0.0, 0}}); }, 0, {0, 0, 1, 0, 2, 1}},
-        {[&](pos_type& p) { return ts::translate(p, vec3{{1, 1, 1}}, none); }, 0, {0, 0, 1, 0, 2, 1}},
-        {[](pos_type& p) { return ts::translate(p, vec2{{1, 2}}, list({0u, 0u, 7u, NONE_ID})); }, 2, {2, 4, 1, 0, 2, 1}},
-        {[&](pos_type& p) { return ts::translate(p, vec2{{1, 1}}, tris); }, 3, {1, 1, 2, 1, 3, 2}},
-        {[](pos_type& p) { return ts::translate(p, vec3{{0, 0, 2}}); }, 3, {0, 0, 2, 1, 0, 2, 2, 1, 2}},
-        {[](pos_type& p) { return ts::rotate(p, vec2{{1, 1}}, M_PI / 2); }, 3, {2, 0, 2, 1, 1, 2}},
-        {[](pos_type& p) { return ts::rotate(p, vec2{{0, 0}}, 0.0); }, 0, {0, 0, 1, 0, 2, 1}},
-        {[&](pos_type& p) { return ts::rotate(p, vec3{{0.5, -1, 2}}, vec3{{a, a, a}}, list({2u})); }, 1,
+        {[](pos_type& p) {
+             return ts::translate(p, vec3{{0, -0.0, 0}});
+         },
+         0,
+         {0, 0, 1, 0, 2, 1}},
+        {[&](pos_type& p) {
+             return ts::translate(p, vec3{{1, 1, 1}}, none);
+         },
+         0,
+         {0, 0, 1, 0, 2, 1}},
+        {[](pos_type& p) {
+             return ts::translate(p, vec2{{1, 2}}, list({0u, 0u, 7u, NONE_ID}));
+         },
+         2,
+         {2, 4, 1, 0, 2, 1}},
+        {[&](pos_type& p) {
+             return ts::translate(p, vec2{{1, 1}}, tris);
+         },
+         3,
+         {1, 1, 2, 1, 3, 2}},
+        {[](pos_type& p) {
+             return ts::translate(p, vec3{{0, 0, 2}});
+         },
+         3,
+         {0, 0, 2, 1, 0, 2, 2, 1, 2}},
+        {[](pos_type& p) {
+             return ts::rotate(p, vec2{{1, 1}}, M_PI / 2);
+         },
+         3,
+         {2, 0, 2, 1, 1, 2}},
+        {[](pos_type& p) {
+             return ts::rotate(p, vec2{{0, 0}}, 0.0);
+         },
+         0,
+         {0, 0, 1, 0, 2, 1}},
+        {[&](pos_type& p) {
+             return ts::rotate(p, vec3{{0.5, -1, 2}}, vec3{{a, a, a}}, list({2u}));
+         },
+         1,
          {0, 0, 0, 1, 0, 0, -1.5, 0.5, 4}},
         // The list forms of rotate grow the node set before they look at the list.
-        {[&](pos_type& p) { return ts::rotate(p, vec3{}, vec3{{0, 0, 1}}, none); }, 0, {0, 0, 0, 1, 0, 0, 2, 1, 0}},
-        {[](pos_type& p) { return ts::rotate(p, vec2{{0, 0}}, M_PI, list({2u, 9u, 2u})); }, 2, {0, 0, 1, 0, 2, 1}},
-        {[](pos_type& p) { return ts::zoom(p, vec2{{1, 0}}, 1.0); }, 0, {0, 0, 1, 0, 2, 1}},
-        {[](pos_type& p) { return ts::zoom(p, vec2{{1, 0}}, 2.0); }, 3, {-1, 0, 1, 0, 3, 2}},
+        {[&](pos_type& p) {
+             return ts::rotate(p, vec3{}, vec3{{0, 0, 1}}, none);
+         },
+         0,
+         {0, 0, 0, 1, 0, 0, 2, 1, 0}},
+        {[](pos_type& p) {
+             return ts::rotate(p, vec2{{0, 0}}, M_PI, list({2u, 9u, 2u}));
+         },
+         2,
+         {0, 0, 1, 0, 2, 1}},
+        {[](pos_type& p) {
+             return ts::zoom(p, vec2{{1, 0}}, 1.0);
+         },
+         0,
+         {0, 0, 1, 0, 2, 1}},
+        {[](pos_type& p) {
+             return ts::zoom(p, vec2{{1, 0}}, 2.0);
+         },
+         3,
+         {-1, 0, 1, 0, 3, 2}},
         // Only the all-node form of zoom reports a count.
-        {[](pos_type& p) { return ts::zoom(p, vec2{{1, 0}}, 0.0, list({2u, 0u})); }, 0, {1, 0, 1, 0, 1, 0}},
-        {[](pos_type& p) { return ts::zoom(p, vec3{{1, 0, 1}}, -1.0); }, 3, {2, 0, 2, 1, 0, 2, 0, -1, 2}},
+        {[](pos_type& p) {
+             return ts::zoom(p, vec2{{1, 0}}, 0.0, list({2u, 0u}));
+         },
+         0,
+         {1, 0, 1, 0, 1, 0}},
+        {[](pos_type& p) {
+             return ts::zoom(p, vec3{{1, 0, 1}}, -1.0);
+         },
+         3,
+         {2, 0, 2, 1, 0, 2, 0, -1, 2}},
     };
     for (move_case const& c : cases) {
         SCOPED_TRACE(&c - cases);

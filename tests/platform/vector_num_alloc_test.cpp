@@ -19,8 +19,12 @@ TEST(PlatformAllocator, MovesTheBytesOfSmallAndMappedBlocks)
     constexpr std::size_t MiB = std::size_t(1) << 20;
     struct sizes {
         std::size_t from, to, offset, bytes;
-    } const cases[] = {{1000, 2000, 8, 992}, {40 * MiB, 80 * MiB, 0, 40 * MiB}, {40 * MiB, 80 * MiB, 15, 40 * MiB - 15},
-                       {50 * MiB, 100 * MiB, 8, 3 * MiB + 5}, {1000, 40 * MiB, 0, 1000}, {40 * MiB, 100 * MiB, 0, 1 * MiB}};
+    } const cases[] = {{1000, 2000, 8, 992},
+                       {40 * MiB, 80 * MiB, 0, 40 * MiB},
+                       {40 * MiB, 80 * MiB, 15, 40 * MiB - 15},
+                       {50 * MiB, 100 * MiB, 8, 3 * MiB + 5},
+                       {1000, 40 * MiB, 0, 1000},
+                       {40 * MiB, 100 * MiB, 0, 1 * MiB}};
     for (sizes const& c : cases) {
         char* from = static_cast<char*>(__platform_alloc(c.from));
         char* to = static_cast<char*>(__platform_alloc(c.to));

@@ -28,8 +28,7 @@ element moved(element e, double const (&R)[9], double s, double const (&t)[3])
 {
     for (std::size_t n = 0; n < e.xyz.size(); n += 3) {
         double x[3] = {e.xyz[n], e.xyz[n + 1], e.xyz[n + 2]};
-        for (unsigned i = 0; i < 3; ++i)
-            e.xyz[n + i] = s * (R[i] * x[0] + R[3 + i] * x[1] + R[6 + i] * x[2]) + t[i];
+        for (unsigned i = 0; i < 3; ++i) e.xyz[n + i] = s * (R[i] * x[0] + R[3 + i] * x[1] + R[6 + i] * x[2]) + t[i];
     }
     return e;
 }
@@ -38,7 +37,10 @@ constexpr double MIRROR[9] = {-1, 0, 0, 0, 1, 0, 0, 0, 1};
 constexpr double IDENTITY[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 constexpr double ORIGIN[3] = {0, 0, 0};
 
-bool is_face(element const& e) { return e.type == ET_FACE_T3 || e.type == ET_FACE_Q4; }
+bool is_face(element const& e)
+{
+    return e.type == ET_FACE_T3 || e.type == ET_FACE_Q4;
+}
 
 void expect_reflected(double reflected, double q, element_type type)
 {

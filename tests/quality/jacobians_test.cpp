@@ -51,15 +51,15 @@ TEST(Jacobians, AnalyticLengthsAreasAndVolumes)
         unsigned rows;
         double expected;  // from the closed-form measure of each shape
     } const cases[] = {
-        {{ET_EDGE2, {0, 0, 0, 3, 4, 0}}, 3, 2.5},                                 // half the length
-        {{ET_FACE_T3, {0, 0, 0, 2, 0, 0, 0, 3, 0}}, 3, 6.0},                      // twice the area
-        {{ET_FACE_T3, {0, 0, 0, 0, 3, 0, 2, 0, 0}}, 2, 6.0},                      // no sign in the plane
-        {{ET_FACE_Q4, {0, 0, 0, 2, 0, 0, 3, 1, 0, 1, 1, 0}}, 2, 0.5},             // a quarter of the area
-        {{ET_TETRA4, {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}}, 3, 1.0},              // det(P0-P3, P1-P3, P2-P3)
-        {{ET_TETRA4, {-1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}}, 3, -1.0},            // mirrored
-        {{ET_PYRAMID5, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0.5, 0.5, 1}}, 3, 0.25},  // volume 1/3 over 4/3
+        {{ET_EDGE2, {0, 0, 0, 3, 4, 0}}, 3, 2.5},                                       // half the length
+        {{ET_FACE_T3, {0, 0, 0, 2, 0, 0, 0, 3, 0}}, 3, 6.0},                            // twice the area
+        {{ET_FACE_T3, {0, 0, 0, 0, 3, 0, 2, 0, 0}}, 2, 6.0},                            // no sign in the plane
+        {{ET_FACE_Q4, {0, 0, 0, 2, 0, 0, 3, 1, 0, 1, 1, 0}}, 2, 0.5},                   // a quarter of the area
+        {{ET_TETRA4, {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}}, 3, 1.0},                    // det(P0-P3, P1-P3, P2-P3)
+        {{ET_TETRA4, {-1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}}, 3, -1.0},                  // mirrored
+        {{ET_PYRAMID5, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0.5, 0.5, 1}}, 3, 0.25},    // volume 1/3 over 4/3
         {{ET_WEDGE6, {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 2, 1, 0, 2, 0, 1, 2}}, 3, 1.0},  // volume 1 over 1
-        {quality_elements::ideal()[5], 3, 0.125},                                   // the unit cube
+        {quality_elements::ideal()[5], 3, 0.125},                                       // the unit cube
         {{ET_HEXA8, {0, 0, 0, 1, 0, 0, 1, 2, 0, 0, 2, 0, 0, 0, 3, 1, 0, 3, 1, 2, 3, 0, 2, 3}}, 3, 0.75},
     };
     for (auto const& c : cases) {

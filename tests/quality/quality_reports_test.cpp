@@ -43,7 +43,10 @@ struct mixed_mesh {
     }
 };
 
-std::vector<double> values(dense1D<double, 8> const& a) { return std::vector<double>(a.begin(), a.end()); }
+std::vector<double> values(dense1D<double, 8> const& a)
+{
+    return std::vector<double>(a.begin(), a.end());
+}
 
 }  // namespace
 

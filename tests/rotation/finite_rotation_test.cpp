@@ -74,12 +74,32 @@ TEST_P(Derivatives, MatchCentralDifferencesOfTheFieldBelow)
     vec3 const w1{{0.7, 0.1, -0.4}}, w2{{-0.3, 0.9, 0.2}}, w3{{0.5, 0.5, 1.1}};
     double const s = GetParam() / std::sqrt(0.2 * 0.2 + 0.5 * 0.5 + 0.84 * 0.84);
     vec3 const t{{0.2 * s, -0.5 * s, 0.84 * s}};
-    field R = [](finite_rotation const& f) { return f.R; }, T = [](finite_rotation const& f) { return f.T; };
-    field DR = [&](finite_rotation const& f) { mat33 m; f.compute_DR(w1, m); return m; };
-    field DT = [&](finite_rotation const& f) { mat33 m; f.compute_DT(w1, m); return m; };
-    field D2R = [&](finite_rotation const& f) { mat33 m; f.compute_D2R(w1, w2, m); return m; };
-    field D2T = [&](finite_rotation const& f) { mat33 m; f.compute_D2T(w1, w2, m); return m; };
-    field D3R = [&](finite_rotation const& f) { mat33 m; f.compute_D3R(w1, w2, w3, m); return m; };
+    field R = [](finite_rotation const&f) { return f.R; }, T = [](finite_rotation const&f) { return f.T; };
+    field DR = [&](finite_rotation const& f) {
+        mat33 m;
+        f.compute_DR(w1, m);
+        return m;
+    };
+    field DT = [&](finite_rotation const& f) {
+        mat33 m;
+        f.compute_DT(w1, m);
+        return m;
+    };
+    field D2R = [&](finite_rotation const& f) {
+        mat33 m;
+        f.compute_D2R(w1, w2, m);
+        return m;
+    };
+    field D2T = [&](finite_rotation const& f) {
+        mat33 m;
+        f.compute_D2T(w1, w2, m);
+        return m;
+    };
+    field D3R = [&](finite_rotation const& f) {
+        mat33 m;
+        f.compute_D3R(w1, w2, w3, m);
+        return m;
+    };
     finite_rotation const fr(t);
     EXPECT_LT(max_difference(DR(fr), slope(R, t, w1)), 1e-8);
     EXPECT_LT(max_difference(DT(fr), slope(T, t, w1)), 1e-8);

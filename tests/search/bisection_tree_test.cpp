@@ -117,7 +117,8 @@ TEST(BisectionTree, InsertLinksRecordsAndRefusesUnknownNodes)
     for (unsigned i = 0; i < 5; ++i) EXPECT_TRUE(tree.insert(i));
     // Records (node, left, right): 1 right of the root (x 1 >= 0), 2 left of it, 3 left of 1
     // (y -3 < 5), 4 equal to 1 on both axes: right of the root, right of 1.
-    EXPECT_EQ(values(tree.nodes.items), (V{0, 2, 1, 1, 3, 4, 2, NONE_ID, NONE_ID, 3, NONE_ID, NONE_ID, 4, NONE_ID, NONE_ID}));
+    EXPECT_EQ(values(tree.nodes.items),
+              (V{0, 2, 1, 1, 3, 4, 2, NONE_ID, NONE_ID, 3, NONE_ID, NONE_ID, 4, NONE_ID, NONE_ID}));
     EXPECT_EQ(tree.find_closest({1, 5}), 1u);  // of the coincident pair, the one met first
     EXPECT_EQ(tree.find_closest_if({1, 5}, not_node({}, 1u)), 4u);
     tree_t<2> single(&pos);

@@ -63,8 +63,8 @@ TEST(RemoveDegenerated, RepeatedNodesAnywhereAndNoneRepeatsOnlyWhenStrict)
     dense2D<unsigned> face = matrix<unsigned>(4, {1, 2, 3, NONE_ID});
     EXPECT_EQ(ts::remove_degenerated(face, true), 0);
     dense2D<unsigned> solids = matrix<unsigned>(8, {1, 2, 3, 4, NONE_ID, NONE_ID, NONE_ID, NONE_ID,  //
-                                                       1, 2, 3, 4, 5, 6, 7, 8,                          //
-                                                       1, 2, 1, 4, NONE_ID, NONE_ID, NONE_ID, NONE_ID});
+                                                    1, 2, 3, 4, 5,       6,       7,       8,        //
+                                                    1, 2, 1, 4, NONE_ID, NONE_ID, NONE_ID, NONE_ID});
     EXPECT_EQ(ts::remove_degenerated(solids, map, false), 1);
     EXPECT_EQ(values(map), (V{0, 1, NONE_ID}));
     EXPECT_EQ(ts::remove_degenerated(solids, map, true), 1);

@@ -65,7 +65,10 @@ inline qv7::dense2D<unsigned> counting(std::size_t rows, std::size_t cols = 1)
 }
 
 template <class E>
-std::vector<E> values(qv7::dense1D<E, 8> const& a) { return std::vector<E>(a.begin(), a.end()); }
+std::vector<E> values(qv7::dense1D<E, 8> const& a)
+{
+    return std::vector<E>(a.begin(), a.end());
+}
 
 // Entries column by column, honouring ld.
 template <class E>

@@ -33,8 +33,14 @@ void reset()
     single_failure = none;
     asked = 0;
 }
-std::size_t requests() { return asked; }
-long live_blocks() { return live; }
+std::size_t requests()
+{
+    return asked;
+}
+long live_blocks()
+{
+    return live;
+}
 }  // namespace test_alloc
 
 namespace qv7 {

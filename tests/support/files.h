@@ -21,7 +21,10 @@ inline std::string temp_path(std::string const& name)
 }
 
 // A path whose directory does not exist, so that opening it fails.
-inline std::string unwritable_path() { return temp_path("no_such_directory/out.txt"); }
+inline std::string unwritable_path()
+{
+    return temp_path("no_such_directory/out.txt");
+}
 
 inline std::string write_file(std::string const& name, std::string const& text)
 {
@@ -38,7 +41,10 @@ inline std::string contents(std::string const& path)
     return text.str();
 }
 
-inline bool exists(std::string const& path) { return std::ifstream(path).good(); }
+inline bool exists(std::string const& path)
+{
+    return std::ifstream(path).good();
+}
 
 // The folder of real files from other software, when this machine has it.
 inline std::string corpus_dir(std::string const& format)

@@ -16,8 +16,14 @@ using point = std::array<double, 3>;
 using column = std::vector<unsigned>;
 constexpr unsigned NONE = qv7::NONE_ID;
 
-inline point sub(point a, point const& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-inline double dot(point const& a, point const& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+inline point sub(point a, point const& b)
+{
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+inline double dot(point const& a, point const& b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
 inline point cross(point const& a, point const& b)
 {
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
@@ -150,7 +156,8 @@ inline typed_groups one_element_per_type(std::vector<qv7::element_type> const& t
 {
     typed_groups t;
     for (qv7::element_type type : types) {
-        t.groups.push_back(type == qv7::ET_NONE ? qv7::dense2D<unsigned>() : test_arrays::counting(qv7::tessarium::nbr_nodes(type)));
+        t.groups.push_back(type == qv7::ET_NONE ? qv7::dense2D<unsigned>()
+                                                : test_arrays::counting(qv7::tessarium::nbr_nodes(type)));
         t.FEs.push_back(type);
     }
     return t;
@@ -176,7 +183,8 @@ inline qv7::dense2D<double> line_of_nodes(std::size_t rows, unsigned n)
 // The unit cube's corners (bottom face first) and an apex at (0.5, 0.5, 2).
 inline qv7::dense2D<double> cube_and_apex()
 {
-    return test_arrays::coords(3, {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1, 0, 1, 1, 1, 1, 0, 1, 1, 0.5, 0.5, 2});
+    return test_arrays::coords(3,
+                               {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 0, 0, 1, 1, 0, 1, 1, 1, 1, 0, 1, 1, 0.5, 0.5, 2});
 }
 
 // Over cube_and_apex: a tetrahedron, a hexahedron, a pyramid, a wedge and a tetrahedron.
@@ -184,10 +192,10 @@ inline qv7::dense2D<unsigned> mixed_solids()
 {
     constexpr unsigned N = qv7::NONE_ID;
     return test_arrays::connect(8, {0, 1, 2, 4, N, N, N, N,  //
-                       0, 1, 2, 3, 4, 5, 6, 7,  //
-                       0, 1, 2, 3, 8, N, N, N,  //
-                       0, 1, 2, 4, 5, 6, N, N,  //
-                       1, 2, 3, 8, N, N, N, N});
+                                    0, 1, 2, 3, 4, 5, 6, 7,  //
+                                    0, 1, 2, 3, 8, N, N, N,  //
+                                    0, 1, 2, 4, 5, 6, N, N,  //
+                                    1, 2, 3, 8, N, N, N, N});
 }
 
 // A triangle, a quadrangle and a triangle.
