@@ -6,7 +6,7 @@ namespace qv7 {
 namespace tessarium {
 namespace {
 
-// Readers of VTK and EnSight files go in their rows' read column.
+// A reader of EnSight files would go in its row's read column.
 constexpr __format_entry formats[] = {
     {"STL", {".stl"}, __read_STL, __write_STL, __write_STL_faithful},
     {"Wavefront OBJ", {".obj"}, __read_OBJ_exact, __write_OBJ, __write_OBJ_faithful, __read_OBJ},
@@ -19,7 +19,7 @@ constexpr __format_entry formats[] = {
     {"FEMAP neutral", {".neu"}, __read_FEMAP_exact, __write_FEMAP, __write_FEMAP_faithful, __read_FEMAP},
     {"Medit", {".mesh"}, __read_medit, __write_medit, __write_medit_faithful},
     {"Medit solution", {".sol"}, nullptr, __write_medit_sol, __write_medit_sol_faithful},
-    {"VTK legacy", {".vtk"}, nullptr, __write_VTK, __write_VTK_faithful},
+    {"VTK legacy", {".vtk"}, __read_VTK, __write_VTK, __write_VTK_faithful},
     {"EnSight", {".case"}, nullptr, __write_ensight, __write_ensight_faithful},
 };
 

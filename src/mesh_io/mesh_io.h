@@ -82,6 +82,7 @@ int __read_STL(std::string const& path, mesh& m, io_report& r);
 int __read_OBJ(std::string const& path, mesh& m, io_report& r);
 int __read_OBJ_exact(std::string const& path, mesh& m, io_report& r);
 int __read_medit(std::string const& path, mesh& m, io_report& r);
+int __read_VTK(std::string const& path, mesh& m, io_report& r);
 
 // ---- writers ----
 int __write_VTK(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);

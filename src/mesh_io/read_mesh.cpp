@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include <sys/stat.h>
@@ -28,7 +29,13 @@ int read_checked(std::string const& file, mesh& m, bool faithful, io_report& r)
     std::fclose(probe);
     if (status.st_size == 0) return __fail(r, io_malformed, file, "is empty");
     __mesh_reader read = faithful && format->read_faithful ? format->read_faithful : format->read;
-    int code = read(file, m, r);
+    int code;
+    try {  // the readers' lists grow only as far as the file's size allows, yet memory may still run out
+        code = read(file, m, r);
+    } catch (std::bad_alloc const&) {
+        m.clear();
+        return __fail(r, io_no_memory, file, "not enough memory to read it");
+    }
     if (code < 0) return code;
     code = __check_elements(file, m, r, "element", io_malformed);
     if (code < 0) return code;

@@ -27,6 +27,7 @@ std::string binary_stl(std::uint32_t facets, std::size_t bytes)
 std::string const stl_text =
     "solid t\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n"
     "endloop\nendfacet\n";
+std::string const vtk_head = "# vtk DataFile Version 4.2\nt\nASCII\nDATASET ";
 std::string const deck = "BEGIN BULK\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\nGRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\n";
 
 // Names in a folder.
@@ -55,7 +56,15 @@ TEST(MeshBadFiles, RefusedWithAMessageAndAnEmptyMesh)
         {temp_path("missing.bdf"), io_cannot_open, "No such file"},
         {folder, io_cannot_open, "is a folder"},
         {write_file("unknown.xyz", deck), io_unsupported, "unknown extension"},
-        {write_file("no_reader.vtk", "# vtk DataFile Version 4.2\n"), io_unsupported, "no reader for this format yet"},
+        {write_file("no_reader.case", "FORMAT\n"), io_unsupported, "no reader for this format yet"},
+        {write_file("not.vtk", "# vtk\n"), io_malformed, "not a legacy VTK file"},
+        {write_file("image.vtk", vtk_head + "STRUCTURED_POINTS\n"), io_unsupported, "only UNSTRUCTURED_GRID and"},
+        {write_file("cut.vtk", vtk_head + "POLYDATA\nPOINTS 2 double\n0 0 0 1 1"), io_malformed,
+         "line 5: 2 points cannot fit"},
+        {write_file("far.vtk", vtk_head + "POLYDATA\nPOINTS 1 double\n0 0 0\nLINES 1 3\n2 0 1\n"), io_malformed,
+         "cell 1 refers to point 1, but there are 1 points"},
+        {write_file("huge.vtk", "# vtk DataFile Version 4.2\nt\nBINARY\nDATASET POLYDATA\nPOINTS 99999999 float\n"),
+         io_malformed, "99999999 points cannot fit"},
         {write_file("empty.stl", ""), io_malformed, "is empty"},
         {write_file("cut.stl", binary_stl(4, 120)), io_malformed, "binary STL cut short: its 4 facets need 284 bytes"},
         {write_file("cut_text.stl", stl_text), io_malformed, "\"endsolid\""},

@@ -1,6 +1,7 @@
 // write_mesh then read_mesh, for the formats that have a reader, and the mesh value's helpers.
 #include "../exchange/exchange_files.h"
 #include "mesh_files.h"
+#include "mesh_io/cell_kinds.h"
 #include "mesh_io/mesh_io.h"
 #include "tessarium/nastran.h"
 
@@ -61,6 +62,10 @@ bool obj_type(element_type t)
 {
     return t == ET_FACE_T3 || t == ET_FACE_Q4;
 }
+bool vtk_type(element_type t)
+{
+    return __vtk_cells[t].name != nullptr;
+}
 bool medit_type(element_type t)
 {
     return t == ET_EDGE2 || t == ET_FACE_T3 || t == ET_FACE_Q4 || t == ET_TETRA4 || t == ET_PYRAMID5 ||
@@ -76,7 +81,7 @@ TEST(MeshRoundTrip, NumberedFormatsKeepEveryTypeTheyHold)
         bool (*keeps)(element_type);
     };
     for (format f : {format{".bdf", nastran_type}, format{".neu", femap_type}, format{".obj", obj_type},
-                     format{".mesh", medit_type}}) {
+                     format{".mesh", medit_type}, format{".vtk", vtk_type}}) {
         mesh written = every_type(), read;
         std::string path = temp_path(std::string("every_type") + f.extension);
         io_report w = write_mesh(path, written);
