@@ -2,6 +2,7 @@
 // led by their counts or given as offsets and connectivity, point and cell data as node and
 // element fields. A one-component integer cell array named "reference" gives the references.
 #include "mesh_io/cell_kinds.h"
+#include "mesh_io/element_runs.h"
 #include "mesh_io/file_text.h"
 #include "mesh_io/mesh_io.h"
 #include "mesh_io/number_text.h"
@@ -411,29 +412,13 @@ int read_sections(vtk_file& f, vtk_content& c, bool polydata, mesh& m)
     }
 }
 
-// Elements of one type as they are found, with the cell each came from.
-struct type_run {
-    element_type type;
-    std::vector<unsigned> nodes;  // local order
-    std::vector<std::size_t> cells;
-};
-
 struct block_maker {
     vtk_file& f;
-    std::vector<type_run> runs;
-    int run_of[nbr_element_types];
+    __element_runs runs;
 
-    explicit block_maker(vtk_file& file) : f(file) { std::fill(run_of, run_of + nbr_element_types, -1); }
-
-    // One element from the points p of cell c, whose file position k holds local node order[k].
     void add(element_type type, std::int64_t const* p, unsigned char const* order, std::size_t c)
     {
-        if (run_of[type] < 0) run_of[type] = static_cast<int>(runs.size()), runs.push_back({type, {}, {}});
-        type_run& run = runs[static_cast<std::size_t>(run_of[type])];
-        std::size_t count = nbr_nodes(type), first = run.nodes.size();
-        run.nodes.resize(first + count);
-        for (std::size_t k = 0; k < count; ++k) run.nodes[first + order[k]] = static_cast<unsigned>(p[k]);
-        run.cells.push_back(c);
+        runs.add(type, p, order, c);
     }
     void add(element_type type, std::int64_t const* p, std::size_t c) { add(type, p, __vtk_cells[type].nodes, c); }
 
@@ -477,12 +462,12 @@ struct block_maker {
     }
 };
 
-int make_blocks(vtk_file& f, vtk_content const& c, mesh& m, std::vector<type_run>& runs)
+int make_blocks(vtk_file& f, vtk_content const& c, mesh& m, std::vector<__element_run>& runs)
 {
     element_type types[256] = {};
     for (int t = 0; t < static_cast<int>(nbr_element_types); ++t)
         if (__vtk_cells[t].name) types[__vtk_cells[t].code] = static_cast<element_type>(t);
-    block_maker maker(f);
+    block_maker maker{f, {}};
     std::size_t cell = 0;
     for (cell_list const* list : {&c.cells, &c.poly[0], &c.poly[1], &c.poly[2], &c.poly[3]}) {
         if (list->types.size() != list->size()) return f.fail("CELLS without CELL_TYPES");
@@ -496,16 +481,8 @@ int make_blocks(vtk_file& f, vtk_content const& c, mesh& m, std::vector<type_run
             if (maker.cell(list->types[k], p, n, cell, types) < 0) return f.r.code;
         }
     }
-    for (type_run& run : maker.runs) {
-        element_block b;
-        b.type = run.type;
-        std::size_t count = nbr_nodes(run.type), n = run.cells.size();
-        if (!b.connect.resize(count, n)) return __fail(f.r, io_no_memory, f.path, "not enough memory for the cells");
-        for (std::size_t e = 0; e < n; ++e) std::copy_n(run.nodes.data() + e * count, count, b.connect.col(e));
-        run.nodes = {};
-        m.blocks.push_back(std::move(b));
-    }
-    runs = std::move(maker.runs);
+    if (!maker.runs.to_blocks(m)) return __fail(f.r, io_no_memory, f.path, "not enough memory for the cells");
+    runs = std::move(maker.runs.runs);
     return 0;
 }
 
@@ -518,7 +495,7 @@ bool is_reference(data_array const& a)
 }
 
 // Cell data follow the cells; element fields follow the blocks.
-int add_fields(vtk_file& f, vtk_content const& c, std::vector<type_run> const& runs, mesh& m)
+int add_fields(vtk_file& f, vtk_content const& c, std::vector<__element_run> const& runs, mesh& m)
 {
     std::size_t cells = c.cells.size();
     for (cell_list const& l : c.poly) cells += l.size();
@@ -539,10 +516,10 @@ int add_fields(vtk_file& f, vtk_content const& c, std::vector<type_run> const& r
         if (is_reference(a)) {
             for (std::size_t k = 0; k < runs.size(); ++k) {
                 dense1D<unsigned, 8>& refs = m.blocks[k].references;
-                if (!refs.resize(runs[k].cells.size()))
+                if (!refs.resize(runs[k].sources.size()))
                     return __fail(f.r, io_no_memory, f.path, "not enough memory for the references");
                 for (std::size_t e = 0; e < refs.size(); ++e)
-                    refs[e] = static_cast<unsigned>(a.values[runs[k].cells[e]]);
+                    refs[e] = static_cast<unsigned>(a.values[runs[k].sources[e]]);
             }
             continue;
         }
@@ -550,8 +527,8 @@ int add_fields(vtk_file& f, vtk_content const& c, std::vector<type_run> const& r
         if (!field.values.resize(a.components, m.nbr_elements()))
             return __fail(f.r, io_no_memory, f.path, "not enough memory for the cell data");
         std::size_t e = 0;
-        for (type_run const& run : runs)
-            for (std::size_t source : run.cells)
+        for (__element_run const& run : runs)
+            for (std::size_t source : run.sources)
                 std::copy_n(a.values.data() + source * a.components, a.components, field.values.col(e++));
         m.element_fields.push_back(std::move(field));
     }
@@ -585,7 +562,7 @@ int __read_VTK(std::string const& path, mesh& m, io_report& r)
     vtk_file f{path, r, text};
     vtk_content c;
     bool polydata = false;
-    std::vector<type_run> runs;
+    std::vector<__element_run> runs;
     if (read_head(f, polydata) < 0 || read_sections(f, c, polydata, m) < 0 || make_blocks(f, c, m, runs) < 0 ||
         add_fields(f, c, runs, m) < 0)
         return r.code;
