@@ -52,7 +52,7 @@ void add_convert(CLI::App& app, runner& run)
     c->add_option("OUT", o->out, "Mesh file to write")->required();
     c->add_flag("--faithful", o->faithful, "Write with the format functions' exact bytes (default: portable)");
     c->add_flag("--skin", o->skin, "Write only the free boundary (faces of solids, edges of surfaces)");
-    c->add_flag("--binary", o->binary, "Binary STL");
+    c->add_flag("--binary", o->binary, "Binary STL or gmsh");
     c->footer("Example: tessarium convert bracket.bdf bracket.vtk\n");
     c->callback([&run, o] {
         run = [o]() -> int {

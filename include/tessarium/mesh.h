@@ -109,11 +109,11 @@ struct io_report {
 
 struct io_options {
     bool faithful = false;  // read and write with the format functions (their exact bytes and limits)
-    bool binary = false;    // STL: the binary form
+    bool binary = false;    // STL and gmsh: the binary form
 };
 
 // The format comes from the extension, in any case: .stl, .obj, .bdf .nas .dat, .neu,
-// .mesh .sol, .vtk, .case. On failure m is left empty.
+// .mesh .sol, .vtk, .case, .msh. On failure m is left empty.
 TESSARIUM_API io_report read_mesh(char const* path, mesh& m, io_options const& options = {});
 inline io_report read_mesh(std::string const& path, mesh& m, io_options const& options = {})
 {

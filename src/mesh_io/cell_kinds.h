@@ -146,6 +146,35 @@ constexpr __cell_kind __medit_cells[nbr_element_types] = {
     __no_cell,  // ET_HEXA20, ET_HEXA27
 };
 
+// gmsh numbers its element types; its prisms turn as NASTRAN's do, its 10-node tetrahedra list
+// the mid nodes of edges 2-3 and 1-3 in that order, and its 13-node pyramids, 15-node prisms and
+// 20-node hexahedra list edges by their lower corner.
+constexpr __cell_kind __gmsh_cells[nbr_element_types] = {
+    __no_cell,                                                                                         // ET_NONE
+    {"point", 15, 1, {0}},                                                                             // ET_NODE
+    __no_cell,                                                                                         // ET_EDGE_MIX
+    {"line", 1, 2, {0, 1}},                                                                            // ET_EDGE2
+    {"line3", 8, 3, {0, 1, 2}},                                                                        // ET_EDGE3
+    __no_cell,                                                                                         // ET_FACE_MIX
+    {"triangle", 2, 3, {0, 1, 2}},                                                                     // ET_FACE_T3
+    {"quadrangle", 3, 4, {0, 1, 2, 3}},                                                                // ET_FACE_Q4
+    {"triangle6", 9, 6, TESSARIUM_T6},                                                                 // ET_FACE_T6
+    {"quadrangle8", 16, 8, TESSARIUM_IN_ORDER},                                                        // ET_FACE_Q8
+    {"quadrangle9", 10, 9, TESSARIUM_IN_ORDER},                                                        // ET_FACE_Q9
+    __no_cell,                                                                                         // ET_SOLID_MIX
+    {"tetrahedron", 4, 4, TESSARIUM_TETRA},                                                            // ET_TETRA4
+    {"tetrahedron10", 11, 10, {0, 2, 1, 3, 5, 4, 6, 7, 8, 9}},                                         // ET_TETRA10
+    {"pyramid", 7, 5, TESSARIUM_IN_ORDER},                                                             // ET_PYRAMID5
+    {"pyramid13", 19, 13, {0, 1, 2, 3, 4, 5, 8, 9, 6, 10, 7, 11, 12}},                                 // ET_PYRAMID13
+    __no_cell,                                                                                         // ET_PYRAMID14
+    {"prism", 6, 6, {0, 2, 1, 3, 5, 4}},                                                               // ET_WEDGE6
+    {"prism15", 18, 15, {0, 2, 1, 3, 5, 4, 10, 11, 6, 9, 8, 7, 13, 14, 12}},                           // ET_WEDGE15
+    __no_cell,                                                                                         // ET_WEDGE18
+    {"hexahedron", 5, 8, TESSARIUM_IN_ORDER},                                                          // ET_HEXA8
+    {"hexahedron20", 17, 20, {0, 1, 2, 3, 4, 5, 6, 7, 8, 11, 16, 9, 17, 10, 18, 19, 12, 15, 13, 14}},  // ET_HEXA20
+    __no_cell,                                                                                         // ET_HEXA27
+};
+
 #undef TESSARIUM_IN_ORDER
 #undef TESSARIUM_T6
 #undef TESSARIUM_TETRA

@@ -21,6 +21,7 @@ constexpr __format_entry formats[] = {
     {"Medit solution", {".sol"}, nullptr, __write_medit_sol, __write_medit_sol_faithful},
     {"VTK legacy", {".vtk"}, __read_VTK, __write_VTK, __write_VTK_faithful},
     {"EnSight", {".case"}, nullptr, __write_ensight, __write_ensight_faithful},
+    {"gmsh", {".msh"}, __read_gmsh, __write_gmsh, nullptr},
 };
 
 }  // namespace

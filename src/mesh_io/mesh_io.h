@@ -56,7 +56,7 @@ struct __format_entry {
     char const* extensions[3];
     __mesh_reader read;
     __mesh_writer write;           // portable
-    __mesh_writer write_faithful;  // through the format function
+    __mesh_writer write_faithful;  // through the format function; null when there is none
     __mesh_reader read_faithful = nullptr;
 };
 
@@ -83,6 +83,7 @@ int __read_OBJ(std::string const& path, mesh& m, io_report& r);
 int __read_OBJ_exact(std::string const& path, mesh& m, io_report& r);
 int __read_medit(std::string const& path, mesh& m, io_report& r);
 int __read_VTK(std::string const& path, mesh& m, io_report& r);
+int __read_gmsh(std::string const& path, mesh& m, io_report& r);
 
 // ---- writers ----
 int __write_VTK(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
@@ -93,6 +94,7 @@ int __write_FEMAP(__output_files&, std::string const&, mesh const&, io_options c
 int __write_ensight(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 int __write_STL(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 int __write_OBJ(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
+int __write_gmsh(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 
 int __write_VTK_faithful(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 int __write_medit_faithful(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);

@@ -28,6 +28,7 @@ std::string const stl_text =
     "solid t\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n"
     "endloop\nendfacet\n";
 std::string const vtk_head = "# vtk DataFile Version 4.2\nt\nASCII\nDATASET ";
+std::string const msh_head = "$MeshFormat\n2.2 0 8\n$EndMeshFormat\n";
 std::string const deck = "BEGIN BULK\nGRID,1,,0.,0.,0.\nGRID,2,,1.,0.,0.\nGRID,3,,0.,1.,0.\nCTRIA3,1,1,1,2,3\n";
 
 // Names in a folder.
@@ -56,6 +57,11 @@ TEST(MeshBadFiles, RefusedWithAMessageAndAnEmptyMesh)
         {temp_path("missing.bdf"), io_cannot_open, "No such file"},
         {folder, io_cannot_open, "is a folder"},
         {write_file("unknown.xyz", deck), io_unsupported, "unknown extension"},
+        {write_file("not.msh", "$Nodes\n0\n$EndNodes\n"), io_malformed, "not a gmsh mesh"},
+        {write_file("v40.msh", "$MeshFormat\n4 0 8\n$EndMeshFormat\n"), io_unsupported, "gmsh version 4: 2.x and"},
+        {write_file("lost.msh", msh_head + "$Nodes\n1\n1 0 0 0\n$EndNodes\n$Elements\n1\n1 15 0 9\n$EndElements\n"),
+         io_malformed, "line 10: element 1 refers to node tag 9, which $Nodes does not hold"},
+        {write_file("huge.msh", msh_head + "$Nodes\n123456789\n1 0 0 0\n"), io_malformed, "123456789 nodes cannot fit"},
         {write_file("no_reader.case", "FORMAT\n"), io_unsupported, "no reader for this format yet"},
         {write_file("not.vtk", "# vtk\n"), io_malformed, "not a legacy VTK file"},
         {write_file("image.vtk", vtk_head + "STRUCTURED_POINTS\n"), io_unsupported, "only UNSTRUCTURED_GRID and"},

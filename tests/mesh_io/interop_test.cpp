@@ -99,6 +99,8 @@ TEST(MeshInterop, PortableFilesReadByOtherPrograms)
         {".mesh", "gmsh", higher, {ET_PYRAMID5, ET_WEDGE6}, false},
         {".bdf", "meshio", no_nastran, meshio_gaps, true},
         {".case", "vtk", no_ensight, {}, true},
+        {".msh", "gmsh", no_vtk, {}, true},
+        {".msh", "meshio", no_vtk, meshio_gaps, true},
         {".obj", "vtk", but_faces, {}, true},
         {".obj", "meshio", but_faces, {}, true},
         {".stl", "numpy-stl", but_triangles, {}, false},

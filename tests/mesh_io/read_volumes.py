@@ -75,13 +75,23 @@ MID_EDGES = {
 }
 
 
-def mid_nodes_in_place(kind, p):
-    edges = MID_EDGES.get(kind, [])
+# gmsh's own order: edges listed by their lower corner.
+GMSH_MID_EDGES = dict(
+    MID_EDGES,
+    tetra10=[(0, 1), (1, 2), (2, 0), (0, 3), (2, 3), (1, 3)],
+    pyramid13=[(0, 1), (0, 3), (0, 4), (1, 2), (1, 4), (2, 3), (2, 4), (3, 4)],
+    wedge15=[(0, 1), (0, 2), (0, 3), (1, 2), (1, 4), (2, 5), (3, 4), (3, 5), (4, 5)],
+    hexahedron20=[(0, 1), (0, 3), (0, 4), (1, 2), (1, 5), (2, 3), (2, 6), (3, 7), (4, 5), (4, 7), (5, 6), (6, 7)],
+)
+
+
+def mid_nodes_in_place(kind, p, mids):
+    edges = mids.get(kind, [])
     first = len(p) - len(edges)
     return all(np.allclose(p[first + k], (p[a] + p[b]) / 2) for k, (a, b) in enumerate(edges))
 
 
-def report(points, cells, faces):
+def report(points, cells, faces, mids):
     print("points %d" % len(points))
     counts, bad, misplaced = collections.Counter(), collections.Counter(), collections.Counter()
     for kind, nodes in cells:
@@ -89,7 +99,7 @@ def report(points, cells, faces):
         p = points[np.asarray(nodes)]
         if not measure(kind, p, faces) > 0:
             bad[kind] += 1
-        if not mid_nodes_in_place(kind, p):
+        if not mid_nodes_in_place(kind, p, mids):
             misplaced[kind] += 1
     for kind in sorted(counts):
         print("%s %d" % (kind, counts[kind]))
@@ -156,7 +166,8 @@ def with_vtk(path):
 
 
 GMSH_KINDS = {1: "line", 2: "triangle", 3: "quad", 4: "tetra", 5: "hexahedron", 6: "wedge", 7: "pyramid",
-              15: "vertex"}
+              8: "line3", 9: "triangle6", 10: "quad9", 11: "tetra10", 15: "vertex", 16: "quad8", 17: "hexahedron20",
+              18: "wedge15", 19: "pyramid13"}
 
 
 def with_gmsh(path):
@@ -189,7 +200,8 @@ def with_numpy_stl(path):
 def main():
     reader = {"meshio": with_meshio, "vtk": with_vtk, "gmsh": with_gmsh, "numpy-stl": with_numpy_stl}[sys.argv[1]]
     points, cells = reader(sys.argv[2])
-    report(np.asarray(points, dtype=float), cells, VTK_FACES if sys.argv[1] == "vtk" else GMSH_FACES)
+    report(np.asarray(points, dtype=float), cells, VTK_FACES if sys.argv[1] == "vtk" else GMSH_FACES,
+           GMSH_MID_EDGES if sys.argv[1] == "gmsh" else MID_EDGES)
 
 
 main()
