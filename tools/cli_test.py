@@ -126,7 +126,7 @@ for args, code, first in [
     (["transform", "--rotate", "0", "0", "0", "90", "tet.bdf", "x.obj"], 1, "tessarium: --rotate"),
     (["transform", "--rotate", "1", "2", "tet.bdf", "x.obj"], 2, "tessarium: "),
     (["frobnicate"], 2, "tessarium: "),
-    (["grade", "--bound", "0.5", "g.bdf", "tet.bdf", "x.sol"], 1, "tessarium: tet.bdf: no SolAtVertices"),
+    (["grade", "--bound", "0.5", "g.bdf", "tet.bdf", "x.sol"], 1, "tessarium: tet.bdf: not a Medit solution"),
     (["grade", "g.bdf", "g.sol", "x.sol"], 2, "tessarium: "),
 ]:
     got, out, err = run(*args)

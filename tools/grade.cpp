@@ -3,10 +3,8 @@
 
 #include "tessarium/gradation.h"
 
-#include <fstream>
 #include <memory>
 #include <set>
-#include <sstream>
 
 namespace tool {
 
@@ -15,26 +13,17 @@ using namespace qv7::tessarium;
 
 namespace {
 
-// The one scalar field at the vertices of a Medit solution text file; "" or what was wrong.
-std::string read_sizes(std::string const& path, std::size_t nodes, dense1D<double, 8>& sizes)
+// The one scalar field of a Medit solution over the nodes of m; "" or what was wrong.
+std::string read_sizes(std::string const& path, mesh& m, dense1D<double, 8>& sizes)
 {
-    std::ifstream in(path);
-    if (!in) return "cannot be opened";
-    std::ostringstream text;
-    for (std::string line; std::getline(in, line);) text << line.substr(0, line.find('#')) << '\n';
-    std::istringstream words(text.str());
-    std::string word;
-    while (words >> word && word != "SolAtVertices") {
-    }
-    std::size_t n = 0, kinds = 0;
-    int kind = 0;
-    if (!(words >> n >> kinds >> kind)) return "no SolAtVertices section";
-    if (kinds != 1 || kind != 1) return "the size map must be one scalar per vertex";
-    if (n != nodes) return "holds " + std::to_string(n) + " sizes for a mesh of " + std::to_string(nodes) + " nodes";
-    if (!sizes.resize(n)) return "not enough memory for the sizes";
-    for (std::size_t j = 0; j < n; ++j)
-        if (!(words >> sizes[j]) || !(sizes[j] > 0.0))
-            return "size " + std::to_string(j + 1) + " is not a positive number";
+    io_report r = read_fields(path, m);
+    if (!r) return r.message;
+    if (m.node_fields.size() != 1 || m.node_fields[0].values.rows() != 1)
+        return path + ": the size map must be one scalar per vertex";
+    if (!sizes.resize(m.nbr_nodes())) return "not enough memory for the sizes";
+    for (std::size_t j = 0; j < sizes.size(); ++j)
+        if (!((sizes[j] = m.node_fields[0].values(0, j)) > 0.0))
+            return path + ": size " + std::to_string(j + 1) + " is not a positive number";
     return "";
 }
 
@@ -50,7 +39,7 @@ void add_grade(CLI::App& app, runner& run)
     auto o = std::make_shared<options>();
     CLI::App* c = app.add_subcommand("grade", "Bound the gradation (H-shock) of a size map over the mesh edges");
     c->add_option("MESH", o->mesh, "Mesh file to read")->required();
-    c->add_option("SOL", o->sol, "Medit solution file: one size per node")->required();
+    c->add_option("SOL", o->sol, "Medit solution file (.sol or .solb): one size per node")->required();
     c->add_option("OUT", o->out, "Medit solution file to write (.sol)")->required();
     c->add_option("--bound", o->bound, "Largest H-shock allowed on an edge")->required()->check(CLI::NonNegativeNumber);
     c->add_option("--frozen-refs", o->frozen, "References whose elements' nodes keep their sizes");
@@ -60,8 +49,9 @@ void add_grade(CLI::App& app, runner& run)
             mesh m;
             if (int code = load(o->mesh, m)) return code;
             dense1D<double, 8> sizes;
-            std::string wrong = read_sizes(o->sol, m.nbr_nodes(), sizes);
-            if (!wrong.empty()) return fail(o->sol + ": " + wrong);
+            m.node_fields.clear();
+            std::string wrong = read_sizes(o->sol, m, sizes);
+            if (!wrong.empty()) return fail(wrong);
             dense2D<unsigned> connect;
             element_type type;
             if (!top_elements(m, connect, type)) return fail(o->mesh + ": no faces or solids to grade over");

@@ -57,9 +57,10 @@ int save(std::string const& path, mesh const& m, io_options const& options)
 
 std::string format_name(std::string const& path)
 {
-    static char const* const table[][2] = {
-        {"stl", "STL"},   {"obj", "Wavefront OBJ"}, {"bdf", "NASTRAN"}, {"nas", "NASTRAN"},  {"dat", "NASTRAN"},
-        {"neu", "FEMAP"}, {"mesh", "Medit"},        {"vtk", "VTK"},     {"case", "EnSight"}, {"msh", "gmsh"}};
+    static char const* const table[][2] = {{"stl", "STL"},     {"obj", "Wavefront OBJ"}, {"bdf", "NASTRAN"},
+                                           {"nas", "NASTRAN"}, {"dat", "NASTRAN"},       {"neu", "FEMAP"},
+                                           {"mesh", "Medit"},  {"vtk", "VTK"},           {"case", "EnSight"},
+                                           {"msh", "gmsh"},    {"meshb", "Medit"}};
     std::size_t dot = path.find_last_of('.');
     if (dot == std::string::npos || path.find_first_of('/', dot) != std::string::npos) return "";
     std::string ext = path.substr(dot + 1);

@@ -113,11 +113,20 @@ struct io_options {
 };
 
 // The format comes from the extension, in any case: .stl, .obj, .bdf .nas .dat, .neu,
-// .mesh .sol, .vtk, .case, .msh. On failure m is left empty.
+// .meshb, .mesh .sol, .vtk, .case, .msh. On failure m is left empty.
 TESSARIUM_API io_report read_mesh(char const* path, mesh& m, io_options const& options = {});
 inline io_report read_mesh(std::string const& path, mesh& m, io_options const& options = {})
 {
     return read_mesh(path.c_str(), m, options);
+}
+
+// Appends the fields at the vertices of a Medit solution, text (.sol) or binary (.solb), to the
+// node fields of m, named "sol1", "sol2", ... in file order; the solution must hold as many
+// vertices as m has nodes. On failure m is left as it was.
+TESSARIUM_API io_report read_fields(char const* path, mesh& m, io_options const& options = {});
+inline io_report read_fields(std::string const& path, mesh& m, io_options const& options = {})
+{
+    return read_fields(path.c_str(), m, options);
 }
 
 // The mesh is checked before any file is made; the file is written under a temporary name in

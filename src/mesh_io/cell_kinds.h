@@ -120,28 +120,29 @@ constexpr __cell_kind __nastran_cells[nbr_element_types] = {
 };
 
 // Linear cells only: the higher-order keywords are not read by the common Medit readers.
+// The codes are the keyword numbers of binary Medit files.
 constexpr __cell_kind __medit_cells[nbr_element_types] = {
     __no_cell,                               // ET_NONE
     __no_cell,                               // ET_NODE
     __no_cell,                               // ET_EDGE_MIX
-    {"Edges", 0, 2, {0, 1}},                 // ET_EDGE2
+    {"Edges", 5, 2, {0, 1}},                 // ET_EDGE2
     __no_cell,                               // ET_EDGE3
     __no_cell,                               // ET_FACE_MIX
-    {"Triangles", 0, 3, {0, 1, 2}},          // ET_FACE_T3
-    {"Quadrilaterals", 0, 4, {0, 1, 2, 3}},  // ET_FACE_Q4
+    {"Triangles", 6, 3, {0, 1, 2}},          // ET_FACE_T3
+    {"Quadrilaterals", 7, 4, {0, 1, 2, 3}},  // ET_FACE_Q4
     __no_cell,
     __no_cell,
     __no_cell,
-    __no_cell,                               // ET_FACE_T6 .. ET_SOLID_MIX
-    {"Tetrahedra", 0, 4, TESSARIUM_TETRA},   // ET_TETRA4
-    __no_cell,                               // ET_TETRA10
-    {"Pyramids", 0, 5, TESSARIUM_IN_ORDER},  // ET_PYRAMID5
+    __no_cell,                                // ET_FACE_T6 .. ET_SOLID_MIX
+    {"Tetrahedra", 8, 4, TESSARIUM_TETRA},    // ET_TETRA4
+    __no_cell,                                // ET_TETRA10
+    {"Pyramids", 49, 5, TESSARIUM_IN_ORDER},  // ET_PYRAMID5
     __no_cell,
     __no_cell,                             // ET_PYRAMID13, ET_PYRAMID14
-    {"Prisms", 0, 6, {0, 2, 1, 3, 5, 4}},  // ET_WEDGE6
+    {"Prisms", 9, 6, {0, 2, 1, 3, 5, 4}},  // ET_WEDGE6
     __no_cell,
-    __no_cell,                                // ET_WEDGE15, ET_WEDGE18
-    {"Hexahedra", 0, 8, TESSARIUM_IN_ORDER},  // ET_HEXA8
+    __no_cell,                                 // ET_WEDGE15, ET_WEDGE18
+    {"Hexahedra", 10, 8, TESSARIUM_IN_ORDER},  // ET_HEXA8
     __no_cell,
     __no_cell,  // ET_HEXA20, ET_HEXA27
 };

@@ -1,5 +1,6 @@
 // gmsh meshes of versions 2.2 and 4.1, text or binary: nodes with their tags, elements of the
 // types the library has, physical tags as references; other sections and types passed over.
+#include "mesh_io/byte_reader.h"
 #include "mesh_io/cell_kinds.h"
 #include "mesh_io/element_runs.h"
 #include "mesh_io/file_text.h"
@@ -54,12 +55,9 @@ struct msh_file {
     template <class T>
     bool raw(T& v)
     {
-        if (text.size() - at < sizeof(T)) return false;
-        char bytes[sizeof(T)];
-        std::memcpy(bytes, text.data() + at, sizeof(T));
-        if (swap) std::reverse(bytes, bytes + sizeof(T));
-        std::memcpy(&v, bytes, sizeof(T));
-        at += sizeof(T);
+        __byte_reader in{text, at, swap};
+        if (!in.get(v)) return false;
+        at = in.at;
         return true;
     }
     bool text_integer(std::int64_t& v)

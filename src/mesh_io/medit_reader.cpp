@@ -2,6 +2,7 @@
 // their reference, elements of the linear kinds with theirs. Other keywords are passed over by
 // skipping their entries when their size is known, else refused.
 #include "mesh_io/cell_kinds.h"
+#include "mesh_io/medit_text.h"
 #include "mesh_io/file_text.h"
 #include "mesh_io/mesh_io.h"
 #include "mesh_io/number_text.h"
@@ -22,59 +23,7 @@ constexpr skipped_keyword skipped[] = {{"Corners", 1},          {"RequiredVertic
                                        {"RequiredEdges", 1},    {"Normals", 3},           {"Tangents", 3},
                                        {"NormalAtVertices", 2}, {"TangentAtVertices", 2}, {"RequiredTriangles", 1}};
 
-struct medit_text {
-    std::string const& path;
-    io_report& r;
-    std::string_view text;
-    std::size_t at = 0;
-
-    // The next word; comments (from "#" to the line end) are blanks.
-    bool word(std::string_view& w)
-    {
-        for (;;) {
-            while (at < text.size() && std::strchr(" \t\r\n", text[at])) ++at;
-            if (at < text.size() && text[at] == '#') {
-                std::size_t end = text.find('\n', at);
-                at = end == std::string_view::npos ? text.size() : end;
-                continue;
-            }
-            break;
-        }
-        if (at >= text.size()) return false;
-        std::size_t b = at;
-        while (at < text.size() && !std::strchr(" \t\r\n#", text[at])) ++at;
-        w = text.substr(b, at - b);
-        return true;
-    }
-    int fail(std::string const& what)
-    {
-        return __fail(r, io_malformed, path, "byte " + std::to_string(at) + ": " + what);
-    }
-    bool integer(std::int64_t& v)
-    {
-        std::string_view w;
-        return word(w) && __parse_integer(w.data(), w.data() + w.size(), v);
-    }
-    bool real(double& v)
-    {
-        std::string_view w;
-        return word(w) && __parse_real(w.data(), w.data() + w.size(), v);
-    }
-    // A count of entries of `numbers` numbers each, which the rest of the text must be able to hold.
-    bool count(std::string_view keyword, unsigned numbers, std::size_t& n)
-    {
-        std::int64_t v;
-        if (!integer(v) || v < 0) return fail(std::string(keyword) + ": no count"), false;
-        if (static_cast<std::uint64_t>(v) > (text.size() - at) / (2 * numbers))
-            return fail(std::string(keyword) + ": " + std::to_string(v) +
-                        " entries cannot fit in the rest of the file"),
-                   false;
-        n = static_cast<std::size_t>(v);
-        return true;
-    }
-};
-
-int read_vertices(medit_text& t, mesh& m, unsigned dim)
+int read_vertices(__medit_text& t, mesh& m, unsigned dim)
 {
     std::size_t n;
     if (!t.count("Vertices", dim + 1, n)) return t.r.code;
@@ -88,7 +37,7 @@ int read_vertices(medit_text& t, mesh& m, unsigned dim)
     return 0;
 }
 
-int read_elements(medit_text& t, mesh& m, element_type type)
+int read_elements(__medit_text& t, mesh& m, element_type type)
 {
     __cell_kind const& kind = __medit_cells[type];
     std::size_t n;
@@ -125,7 +74,7 @@ element_type type_of_keyword(std::string_view keyword)
 int __read_medit(std::string const& path, mesh& m, io_report& r)
 {
     std::string text = __file_text(path);
-    medit_text t{path, r, text, 0};
+    __medit_text t{path, r, text, 0};
     std::string_view w;
     std::int64_t dim = 3;
     bool version = false, vertices = false;

@@ -1,4 +1,5 @@
 // Medit text mesh, one section per keyword, and its keyword solution file of node fields.
+#include "mesh_io/medit_solutions.h"
 #include "mesh_io/text_output.h"
 
 namespace qv7 {
@@ -21,21 +22,12 @@ std::string solution_path(std::string const& path)
     return path.substr(0, dot) + ".sol";
 }
 
-// 1 a scalar, 2 a vector, 3 a symmetric tensor; 0 when the row count is none of these.
-int solution_kind(std::size_t rows, std::size_t dim)
-{
-    if (rows == 1) return 1;
-    if (rows == dim) return 2;
-    if (rows == dim * (dim + 1) / 2) return 3;
-    return 0;
-}
-
 int write_solution(__output_files& files, std::string const& path, mesh const& m, io_report& r)
 {
     std::size_t dim = m.pos.rows() == 2 ? 2 : 3;
     std::vector<mesh_field const*> kept;
     for (mesh_field const& f : m.node_fields) {
-        if (solution_kind(f.values.rows(), dim))
+        if (__solution_kind(f.values.rows(), dim))
             kept.push_back(&f);
         else
             __pass_over(r, "node field " + f.name, 1);
@@ -47,7 +39,7 @@ int write_solution(__output_files& files, std::string const& path, mesh const& m
     put_header(out, dim);
     if (!kept.empty()) {
         out.text("SolAtVertices\n").integer(m.nbr_nodes()).put('\n').integer(kept.size());
-        for (mesh_field const* f : kept) out.put(' ').integer(solution_kind(f->values.rows(), dim));
+        for (mesh_field const* f : kept) out.put(' ').integer(__solution_kind(f->values.rows(), dim));
         out.put('\n');
         for (std::size_t j = 0; j < m.nbr_nodes(); ++j) {
             char separator = 0;

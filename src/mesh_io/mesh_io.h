@@ -84,6 +84,9 @@ int __read_OBJ_exact(std::string const& path, mesh& m, io_report& r);
 int __read_medit(std::string const& path, mesh& m, io_report& r);
 int __read_VTK(std::string const& path, mesh& m, io_report& r);
 int __read_gmsh(std::string const& path, mesh& m, io_report& r);
+int __read_meshb(std::string const& path, mesh& m, io_report& r);
+// A solution file handed to read_mesh: refused, pointing to read_fields.
+int __refuse_solution_as_mesh(std::string const& path, mesh& m, io_report& r);
 
 // ---- writers ----
 int __write_VTK(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
@@ -95,6 +98,7 @@ int __write_ensight(__output_files&, std::string const&, mesh const&, io_options
 int __write_STL(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 int __write_OBJ(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 int __write_gmsh(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
+int __write_meshb(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 
 int __write_VTK_faithful(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);
 int __write_medit_faithful(__output_files&, std::string const&, mesh const&, io_options const&, io_report&);

@@ -20,7 +20,7 @@ int read_checked(std::string const& file, mesh& m, bool faithful, io_report& r)
     __format_entry const* format = __format_of(file);
     if (!format)
         return __fail(r, io_unsupported, file,
-                      "unknown extension; known are .stl .obj .bdf .nas .dat .neu .mesh .sol .vtk .case .msh");
+                      "unknown extension; known are .stl .obj .bdf .nas .dat .neu .mesh .meshb .sol .vtk .case .msh");
     if (!format->read)
         return __fail(r, io_unsupported, file,
                       std::string("no reader for this format yet (") + format->name + " files can be written)");

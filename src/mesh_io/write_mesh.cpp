@@ -14,7 +14,7 @@ io_report write_mesh(char const* path, mesh const& m, io_options const& options)
     __format_entry const* format = __format_of(file);
     if (!format) {
         __fail(r, io_unsupported, file,
-               "unknown extension; known are .stl .obj .bdf .nas .dat .neu .mesh .sol .vtk .case .msh");
+               "unknown extension; known are .stl .obj .bdf .nas .dat .neu .mesh .meshb .sol .vtk .case .msh");
         return r;
     }
     if (__check_mesh(file, m, r) < 0) return r;

@@ -81,7 +81,7 @@ TEST(MeshRoundTrip, NumberedFormatsKeepEveryTypeTheyHold)
         bool (*keeps)(element_type);
     };
     for (format f : {format{".bdf", nastran_type}, format{".neu", femap_type}, format{".obj", obj_type},
-                     format{".mesh", medit_type}, format{".vtk", vtk_type}}) {
+                     format{".mesh", medit_type}, format{".vtk", vtk_type}, format{".meshb", medit_type}}) {
         mesh written = every_type(), read;
         std::string path = temp_path(std::string("every_type") + f.extension);
         io_report w = write_mesh(path, written);
