@@ -6,7 +6,7 @@ import time
 
 import meshio
 
-DEFAULT = ["small.bdf", "free.bdf", "obj.obj", "mesh.mesh"]
+DEFAULT = ["small.bdf", "free.bdf", "obj.obj", "mesh.mesh", "vtk.vtk", "msh.msh", "binary.msh", "meshb.meshb"]
 for name in sys.argv[1:] or ["/tmp/tessarium_bench_exact_" + f for f in DEFAULT]:
     times = []
     for _ in range(3):

@@ -24,12 +24,28 @@ public:
     template <class Point>
     void add(element_type type, Point const* p, unsigned char const* order, std::size_t source)
     {
-        if (run_of_[type] < 0) run_of_[type] = static_cast<int>(runs.size()), runs.push_back({type, {}, {}});
-        __element_run& run = runs[static_cast<std::size_t>(run_of_[type])];
-        std::size_t count = nbr_nodes(type), first = run.nodes.size();
+        __element_run& run = run_of(type);
+        std::size_t count = counts_[type], first = run.nodes.size();
         run.nodes.resize(first + count);
         for (std::size_t k = 0; k < count; ++k) run.nodes[first + order[k]] = static_cast<unsigned>(p[k]);
         run.sources.push_back(source);
+    }
+    // n elements of records first_source, first_source + 1, ...: their nodes, in the local order,
+    // are for the caller to write at the place returned.
+    unsigned* append(element_type type, std::size_t n, std::size_t first_source)
+    {
+        __element_run& run = run_of(type);
+        std::size_t first = run.nodes.size();
+        run.nodes.resize(first + n * counts_[type]);
+        for (std::size_t k = 0; k < n; ++k) run.sources.push_back(first_source + k);
+        return run.nodes.data() + first;
+    }
+    // Room for n more elements of the type, when a file tells how many follow.
+    void expect(element_type type, std::size_t n)
+    {
+        __element_run& run = run_of(type);
+        run.nodes.reserve(run.nodes.size() + n * counts_[type]);
+        run.sources.reserve(run.sources.size() + n);
     }
 
     // Appends one block per run to m; the runs keep their sources. False when memory runs out.
@@ -50,7 +66,16 @@ public:
     std::vector<__element_run> runs;
 
 private:
+    __element_run& run_of(element_type type)
+    {
+        if (run_of_[type] < 0) {
+            run_of_[type] = static_cast<int>(runs.size()), runs.push_back({type, {}, {}});
+            counts_[type] = nbr_nodes(type);
+        }
+        return runs[static_cast<std::size_t>(run_of_[type])];
+    }
     int run_of_[nbr_element_types];
+    unsigned counts_[nbr_element_types] = {};
 };
 
 }  // namespace tessarium

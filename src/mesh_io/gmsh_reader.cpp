@@ -228,7 +228,7 @@ int add_element(msh_file& f, msh_content& c, std::int64_t type, std::int64_t con
         return 0;
     }
     unsigned columns[20];
-    for (unsigned k = 0; k < nbr_nodes(t); ++k)
+    for (unsigned k = 0, n = __gmsh_cells[t].count; k < n; ++k)
         if ((columns[k] = c.index(tags[k])) == NONE_ID)
             return f.fail("element " + std::to_string(record + 1) + " refers to node tag " + std::to_string(tags[k]) +
                           ", which $Nodes does not hold");
@@ -276,6 +276,27 @@ int read_elements_2(msh_file& f, msh_content& c)
     return 0;
 }
 
+// A binary block of elements of type t in this machine's byte order, straight into its run.
+int read_block_in_bulk(msh_file& f, msh_content& c, element_type t, std::size_t count, unsigned reference)
+{
+    std::size_t nodes = __gmsh_cells[t].count, width = 8 * (nodes + 1), record = c.references.size();
+    if (count > (f.text.size() - f.at) / width) return f.fail("$Elements: the file ends inside a block");
+    unsigned* out = c.runs.append(t, count, record);
+    unsigned char const* order = __gmsh_cells[t].nodes;
+    char const* p = f.text.data() + f.at;
+    for (std::size_t e = 0; e < count; ++e, p += width)
+        for (std::size_t k = 0; k < nodes; ++k) {
+            std::int64_t tag;
+            std::memcpy(&tag, p + 8 * (k + 1), 8);
+            if ((out[e * nodes + order[k]] = c.index(tag)) == NONE_ID)
+                return f.fail("element " + std::to_string(record + e + 1) + " refers to node tag " +
+                              std::to_string(tag) + ", which $Nodes does not hold");
+        }
+    c.references.resize(record + count, reference);
+    f.at += count * width;
+    return 0;
+}
+
 int read_elements_4(msh_file& f, msh_content& c)
 {
     std::int64_t blocks, n, least, most, record[96];
@@ -288,8 +309,16 @@ int read_elements_4(msh_file& f, msh_content& c)
             return f.fail("$Elements: block " + std::to_string(b + 1) + " is malformed or holds too many elements");
         bool known = type > 0 && type < 32;
         if (!known && f.binary) return f.fail("$Elements: gmsh type " + std::to_string(type) + " of unknown size");
+        if (known && c.types[type] && count <= static_cast<std::int64_t>(f.text.size() - f.at))
+            c.runs.expect(c.types[type], static_cast<std::size_t>(count));
         auto found = c.physical.find({dim, entity});
         unsigned reference = found == c.physical.end() ? 0 : as_reference(found->second);
+        if (f.binary && !f.swap && f.size_bytes == 8 && known && c.types[type]) {
+            if (read_block_in_bulk(f, c, c.types[type], static_cast<std::size_t>(count), reference) < 0)
+                return f.r.code;
+            done += count;
+            continue;
+        }
         for (std::int64_t e = 0; e < count; ++e, ++done) {
             if (!known) {
                 f.skip_line();
