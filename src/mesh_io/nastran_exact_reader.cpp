@@ -71,6 +71,7 @@ struct frame {
     char kind;
     std::int64_t reference;
     double A[3], B[3], C[3];  // as given, in the reference system
+    std::int64_t grids[3];    // A, B and C as GRID points (CORD1 cards); 0 for points given as numbers
     double origin[3], axes[3][3];
     int state;  // 0 not yet placed, 1 being placed, 2 placed
 };
@@ -124,10 +125,30 @@ int read_grid(reader& d, __nastran_card const& card)
     return 0;
 }
 
+int add_frame(reader& d, __nastran_card const& card, std::int64_t ID, frame const& f)
+{
+    if (!d.frames.emplace(ID, f).second) return d.fail(card, "defines system " + std::to_string(ID) + " again");
+    return 0;
+}
+
+// CORD2R/C/S: a system, its reference system and three points; CORD1R/C/S: one or two systems of
+// three GRID points each.
 int read_frame(reader& d, __nastran_card const& card)
 {
-    frame f{card.name[5], 0, {}, {}, {}, {}, {}, 0};
+    frame f{card.name[5], 0, {}, {}, {}, {}, {}, {}, 0};
     std::int64_t ID;
+    if (card.name[4] == '1') {
+        for (int s = 0; s < 2; ++s) {
+            if (!integer_field(card, 1 + 4 * s, ID, 0) || ID < 0 || (s == 0 && ID == 0))
+                return d.fail(card, "without a valid system ID");
+            if (ID == 0) break;
+            for (int p = 0; p < 3; ++p)
+                if (!integer_field(card, 2 + 4 * s + p, f.grids[p], 0) || f.grids[p] <= 0)
+                    return d.fail(card, std::to_string(ID) + ": GRID point " + std::to_string(p + 1) + " is not an ID");
+            if (add_frame(d, card, ID, f) < 0) return d.r.code;
+        }
+        return 0;
+    }
     if (!integer_field(card, 1, ID, 0) || ID <= 0) return d.fail(card, "without a valid system ID");
     if (!integer_field(card, 2, f.reference, 0) || f.reference < 0) return d.fail(card, "with an invalid RID");
     double* points[3] = {f.A, f.B, f.C};
@@ -135,8 +156,7 @@ int read_frame(reader& d, __nastran_card const& card)
         for (int k = 0; k < 3; ++k)
             if (!real_field(card, 3 + 3 * p + k, points[p][k]))
                 return d.fail(card, "with a point field that is not a number");
-    if (!d.frames.emplace(ID, f).second) return d.fail(card, "defines system " + std::to_string(ID) + " again");
-    return 0;
+    return add_frame(d, card, ID, f);
 }
 
 int read_element(reader& d, __nastran_card const& card, element_card const& c)
@@ -172,7 +192,9 @@ card_kind kind_of(std::string const& name, element_card const*& element)
 {
     element = nullptr;
     if (name == "GRID") return card_kind::grid;
-    if (name == "CORD2R" || name == "CORD2C" || name == "CORD2S") return card_kind::frame;
+    if (name.size() == 6 && name.compare(0, 4, "CORD") == 0 && (name[4] == '1' || name[4] == '2') &&
+        (name[5] == 'R' || name[5] == 'C' || name[5] == 'S'))
+        return card_kind::frame;
     if (name == "INCLUDE") return card_kind::include;
     if ((element = find_element_card(name))) return card_kind::element;
     return name.compare(0, 5, "BEGIN") == 0 ? card_kind::begin : card_kind::other;
@@ -247,20 +269,46 @@ void to_basic(frame const& f, double const* u, double* x)
     for (int k = 0; k < 3; ++k) x[k] = f.origin[k] + f.axes[0][k] * p[0] + f.axes[1][k] * p[1] + f.axes[2][k] * p[2];
 }
 
-// Places a frame, and first the one its points are given in. An error text, or empty.
-std::string place(std::map<std::int64_t, frame>& frames, std::int64_t ID, frame& f)
+std::string place(reader& d, __node_index const& index, std::int64_t ID, frame& f);
+
+// The position of a GRID point in the basic system, placing its system first. An error text, or empty.
+std::string basic_position(reader& d, __node_index const& index, grid const& g, double* x)
+{
+    if (g.CP == 0) return std::copy(g.x, g.x + 3, x), std::string();
+    auto it = d.frames.find(g.CP);
+    if (it == d.frames.end())
+        return "GRID " + std::to_string(g.ID) + " is given in system " + std::to_string(g.CP) +
+               ", which no CORD1R, CORD1C, CORD1S, CORD2R, CORD2C or CORD2S card defines";
+    std::string why = place(d, index, g.CP, it->second);
+    if (why.empty()) to_basic(it->second, g.x, x);
+    return why;
+}
+
+// Places a frame, and first the system or the GRID points its points are given in. An error
+// text, or empty.
+std::string place(reader& d, __node_index const& index, std::int64_t ID, frame& f)
 {
     if (f.state == 2) return {};
     if (f.state == 1) return "system " + std::to_string(ID) + " is defined through itself";
     f.state = 1;
     double A[3], B[3], C[3];
     std::copy(f.A, f.A + 3, A), std::copy(f.B, f.B + 3, B), std::copy(f.C, f.C + 3, C);
-    if (f.reference != 0) {
-        auto it = frames.find(f.reference);
-        if (it == frames.end())
+    if (f.grids[0] != 0) {
+        double* points[3] = {A, B, C};
+        for (int p = 0; p < 3; ++p) {
+            unsigned column = index(f.grids[p]);
+            if (column == NONE_ID)
+                return "system " + std::to_string(ID) + " is given by GRID " + std::to_string(f.grids[p]) +
+                       ", which no GRID card defines";
+            std::string why = basic_position(d, index, d.grids[column], points[p]);
+            if (!why.empty()) return why;
+        }
+    } else if (f.reference != 0) {
+        auto it = d.frames.find(f.reference);
+        if (it == d.frames.end())
             return "system " + std::to_string(ID) + " refers to system " + std::to_string(f.reference) +
                    ", which no CORD2R, CORD2C or CORD2S card defines";
-        std::string why = place(frames, f.reference, it->second);
+        std::string why = place(d, index, f.reference, it->second);
         if (!why.empty()) return why;
         to_basic(it->second, f.A, A), to_basic(it->second, f.B, B), to_basic(it->second, f.C, C);
     }
@@ -306,19 +354,8 @@ int place_nodes(reader& d, mesh& m, __node_index& index)
     if (!IDs_fit) __pass_over(d.r, "node IDs above 4294967295 (nodes numbered in file order)", n);
     for (std::size_t j = 0; j < n; ++j) {
         grid const& g = grids[j];
-        double* x = m.pos.col(j);
-        if (g.CP == 0)
-            std::copy(g.x, g.x + 3, x);
-        else {
-            auto it = d.frames.find(g.CP);
-            if (it == d.frames.end())
-                return __fail(d.r, io_malformed, d.path,
-                              "GRID " + std::to_string(g.ID) + " is given in system " + std::to_string(g.CP) +
-                                  ", which no CORD2R, CORD2C or CORD2S card defines");
-            std::string why = place(d.frames, g.CP, it->second);
-            if (!why.empty()) return __fail(d.r, io_malformed, d.path, why);
-            to_basic(it->second, g.x, x);
-        }
+        std::string why = basic_position(d, index, g, m.pos.col(j));
+        if (!why.empty()) return __fail(d.r, io_malformed, d.path, why);
         if (IDs_fit) m.node_IDs[j] = static_cast<unsigned>(g.ID);
     }
     return 0;

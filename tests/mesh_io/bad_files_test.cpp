@@ -86,6 +86,8 @@ TEST(MeshBadFiles, RefusedWithAMessageAndAnEmptyMesh)
         {write_file("bad_corner.bdf", deck + "CTRIA3,2,1,1,,3\n"), io_malformed,
          "line 6: CTRIA3 2: corner node 2 is blank"},
         {write_file("lost_system.bdf", "GRID,1,7,0.,0.,0.\n"), io_malformed, "GRID 1 is given in system 7, which no"},
+        {write_file("cycle.bdf", "CORD1R,3,1,2,3\nGRID,1,3,0.,0.,0.\nGRID,2,,1.,0.,0.\nGRID,3,,0.,1.,0.\n"),
+         io_malformed, "system 3 is defined through itself"},
         {write_file("lost_include.bdf", "INCLUDE 'nowhere.bdf'\n"), io_malformed, "nowhere.bdf\" cannot be read"},
         {write_file("obj.stl", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"), io_malformed, "not STL"},
         {write_file("stl.bdf", stl_text + "endsolid t\n"), io_malformed, "not a NASTRAN deck"},

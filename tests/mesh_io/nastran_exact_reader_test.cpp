@@ -99,6 +99,9 @@ TEST(NastranExact, EveryFieldFormContinuationAndSystem)
         row({"CORD2R", "1", "", "10.", "0.", "0.", "10.", "0.", "1.", "+C1"}) + row({"+C1", "10.", "1.", "0."}) +
         "CORD2C,4,1,0.,0.,0.,0.,0.,1.\n,1.,0.,0.\n" + "$ a comment between card and continuation\n" +
         "cord2s,3,,0.,0.,0.,0.,0.,1.,+\n+,1.,0.,0.\n" + "GRID,7,4,1.,90.,5.\n" + "GRID,8,3,2.,90.,90.\n" +
+        // systems 5 and 8 by GRID points 5, 6 and 2: x3 from 5 to 6, x1 towards 2
+        "CORD1R,5,5,6,2,8,5,6,2\nGRID,20,5,0.,0.,1.4142135623730951\nGRID,21,5,2.1213203435596424,0.,0.\n" +
+        "GRID,22,8,0.,0.,1.4142135623730951\n" +
         row({"CTRIA3", "10", "7", "1", "2", "3", "45.", ".1"}) +  // THETA and ZOFFS
         row({"CBAR", "11", "", "1", "2", "0.", "1.", "0."}) +     // blank PID, orientation
         "CTETRA,12,4,1,2,3,4\n" + row({"CHEXA*", "14", "4", "1", "2"}, 16) + row({"*", "3", "4", "5", "6"}, 16) +
@@ -118,7 +121,10 @@ TEST(NastranExact, EveryFieldFormContinuationAndSystem)
                                                           {99999999, {8, 1, 3}},
                                                           {7, {9, 0, 5}},
                                                           {8, {0, 2, 0}},
-                                                          {9, {0, 0, 9}}};
+                                                          {9, {0, 0, 9}},
+                                                          {20, {1, 1, 1}},
+                                                          {21, {-0.5, 0.5, 3}},
+                                                          {22, {1, 1, 1}}};
     std::map<unsigned, std::array<double, 3>> got = nodes_by_ID(m);
     ASSERT_EQ(got.size(), expected.size());
     for (auto const& [ID, x] : expected)
