@@ -1,5 +1,6 @@
 // STL writer, text and binary. Each facet carries the unit normal of its triangle.
 #include "connectivity/elfes.h"
+#include "exchange/text_sink.h"
 #include "tessarium/element_type.h"
 #include "tessarium/stl.h"
 
@@ -30,19 +31,25 @@ facet facet_of(dense2D<double> const& pos, unsigned const* nodes)
     return f;
 }
 
+// "%e" numbers, as the writer has always printed them.
 bool write_text(std::FILE* file, dense2D<double> const& pos, dense2D<unsigned> const& connectT3)
 {
-    if (std::fputs("solid QV7\n", file) < 0) return false;
+    __text_sink out(file);
+    out.text("solid QV7\n");
     for (std::size_t j = 0; j < connectT3.cols(); ++j) {
         facet f = facet_of(pos, connectT3.col(j));
-        bool ok = std::fprintf(file, "   facet normal %le %le %le\n      outer loop\n", f.normal[0], f.normal[1],
-                               f.normal[2]) > 0;
-        for (int v = 0; v < 3 && ok; ++v)
-            ok =
-                std::fprintf(file, "         vertex %le %le %le\n", f.vertex[v][0], f.vertex[v][1], f.vertex[v][2]) > 0;
-        if (!ok || std::fputs("      endloop\n   endfacet\n", file) < 0) return false;
+        out.text("   facet normal ");
+        for (int k = 0; k < 3; ++k) out.scientific(f.normal[k], 6, false).put(k < 2 ? ' ' : '\n');
+        out.text("      outer loop\n");
+        for (auto const& v : f.vertex) {
+            out.text("         vertex ");
+            for (int k = 0; k < 3; ++k) out.scientific(v[k], 6, false).put(k < 2 ? ' ' : '\n');
+        }
+        out.text("      endloop\n   endfacet\n");
     }
-    return std::fputs("endsolid QV7\n", file) >= 0;
+    out.text("endsolid QV7\n");
+    out.flush();
+    return !out.failed();
 }
 
 void put_float(double x, unsigned char*& p)

@@ -22,14 +22,14 @@ std::chars_format form_of(char conversion) noexcept
 
 void __text_sink::flush() noexcept
 {
-    if (used_ != 0) std::fwrite(buffer_, 1, used_, stream_);
+    if (used_ != 0 && std::fwrite(buffer_, 1, used_, stream_) != used_) failed_ = true;
     used_ = 0;
 }
 
 __text_sink& __text_sink::long_text(char const* s, std::size_t n) noexcept
 {
     flush();
-    std::fwrite(s, 1, n, stream_);
+    if (std::fwrite(s, 1, n, stream_) != n) failed_ = true;
     return *this;
 }
 

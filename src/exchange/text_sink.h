@@ -19,8 +19,10 @@ public:
     __text_sink& operator=(__text_sink const&) = delete;
     ~__text_sink() { flush(); }
 
-    // Hands what is buffered to the stream; the stream's own buffering and errors are its business.
+    // Hands what is buffered to the stream; the stream's own buffering is its business.
     void flush() noexcept;
+    // Whether the stream ever took fewer bytes than it was handed (a full disk, a closed pipe).
+    bool failed() const noexcept { return failed_; }
 
     __text_sink& text(char const* s, std::size_t n) noexcept
     {
@@ -96,6 +98,7 @@ private:
 
     std::FILE* stream_;
     std::size_t used_ = 0;
+    bool failed_ = false;
     char buffer_[capacity];
 };
 
