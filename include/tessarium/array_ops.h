@@ -1,11 +1,13 @@
 // Appending and copying operations on dense1D and dense2D: matvec, matmat, vecvec, matscal.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 #include "fixed.h"
 
 #include <algorithm>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 // Whether k more columns fit in the matrix's storage at its leading dimension (the column
@@ -184,3 +186,4 @@ void add(T value, dense2D<T>& M)
 }  // namespace matscal
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -12,6 +12,7 @@
 #include "element_type.h"
 #include "export.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -72,3 +73,4 @@ TESSARIUM_API int get_colors_boundaries(dense2D<unsigned> const& connectM, dense
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

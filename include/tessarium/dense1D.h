@@ -1,10 +1,12 @@
 // One-dimensional array handle on a shared storage block.
 #pragma once
 
+#include "export.h"
 #include "dense_handle.h"
 
 #include <algorithm>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 template <class T, unsigned Align = 8>
@@ -92,3 +94,4 @@ public:
 };
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

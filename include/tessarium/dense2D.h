@@ -1,10 +1,12 @@
 // Column-major matrix handle on a shared storage block, with views and a leading dimension.
 #pragma once
 
+#include "export.h"
 #include "dense1D.h"
 
 #include <algorithm>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 // Empty tag types that select overloads of the array operations.
@@ -160,3 +162,4 @@ private:
 };
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -1,11 +1,13 @@
 // What dense1D and dense2D have in common: a handle on a shared block, its size and first element.
 #pragma once
 
+#include "export.h"
 #include "vector_num.h"
 
 #include <cstddef>
 #include <cstdint>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 template <class T>
@@ -62,3 +64,4 @@ protected:
 };
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

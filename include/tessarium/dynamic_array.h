@@ -1,8 +1,10 @@
 // Slot array of fixed-width records, one record per column of a matrix.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 template <class T, unsigned W>
@@ -41,3 +43,4 @@ private:
 };
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -7,6 +7,7 @@
 #include "element_type.h"
 #include "export.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -23,3 +24,4 @@ TESSARIUM_API int copy_edges(dense2D<unsigned> const* first, dense2D<unsigned> c
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

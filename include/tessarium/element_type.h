@@ -1,10 +1,12 @@
 // Element kinds, their property tables and the validation of index data.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 
 #include <cstdint>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 enum element_type : std::int32_t {
@@ -71,3 +73,4 @@ bool check_IDs(dense2D<unsigned> const& connect, element_type type, unsigned nbr
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -1,8 +1,10 @@
 // EnSight geometry text files (write only).
 #pragma once
 
+#include "export.h"
 #include "element_type.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -20,3 +22,4 @@ int ensight_output(char const* file_name, dense2D<double> const& pos, dense2D<un
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

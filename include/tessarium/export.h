@@ -4,6 +4,12 @@
 
 #if defined(__GNUC__) || defined(__clang__)
 #define TESSARIUM_API __attribute__((visibility("default")))
+// Everything a public header declares between these two is exported, its templates' explicit
+// instantiations included.
+#define TESSARIUM_EXPORT_BEGIN _Pragma("GCC visibility push(default)")
+#define TESSARIUM_EXPORT_END _Pragma("GCC visibility pop")
 #else
 #define TESSARIUM_API
+#define TESSARIUM_EXPORT_BEGIN
+#define TESSARIUM_EXPORT_END
 #endif

@@ -1,10 +1,12 @@
 // FEMAP neutral text files: data blocks 403 (nodes) and 404 (elements), read and written.
 #pragma once
 
+#include "export.h"
 #include "dense1D.h"
 #include "dense2D.h"
 #include "element_type.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -33,3 +35,4 @@ int FEMAP_output(char const* file_name, dense2D<double> const& pos, dense2D<unsi
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -1,8 +1,10 @@
 // Large rotations in three dimensions by a rotation vector, with their derivatives.
 #pragma once
 
+#include "export.h"
 #include "fixed.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 // Built from a rotation vector theta (axis times angle phi in radians). R is the rotation matrix
@@ -42,3 +44,4 @@ public:
 };
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

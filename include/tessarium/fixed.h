@@ -1,8 +1,10 @@
 // Small fixed-size vectors and matrices: plain aggregates, copied by value.
 #pragma once
 
+#include "export.h"
 #include <cstddef>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 template <class T, unsigned N>
@@ -41,3 +43,4 @@ struct symmetric_fixed {
 };
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -14,6 +14,7 @@
 #include "element_type.h"
 #include "export.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -37,3 +38,4 @@ TESSARIUM_API int bound_metric_gradations(dense2D<double> const& pos, dense2D<un
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

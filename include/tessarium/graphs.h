@@ -5,6 +5,7 @@
 #include "dense2D.h"
 #include "export.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -21,3 +22,4 @@ TESSARIUM_API int get_node_graph(dense2D<unsigned> const& connectM, dense1D<unsi
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

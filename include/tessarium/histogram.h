@@ -1,9 +1,11 @@
 // Counting histogram of measured values, filled one value at a time.
 #pragma once
 
+#include "export.h"
 #include <cstddef>
 #include <vector>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace misc {
 
@@ -36,3 +38,4 @@ private:
 
 }  // namespace misc
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -4,9 +4,11 @@
 // sorted order.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 #include "element_type.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -58,3 +60,4 @@ int get_sorted_order(dense1D<unsigned, 8> const& values, dense1D<unsigned, 8>& o
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

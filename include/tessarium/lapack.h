@@ -1,6 +1,8 @@
 // Symmetric eigen-decomposition in packed storage, from the system LAPACK.
 #pragma once
 
+#include "export.h"
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace lapack {
 
@@ -9,3 +11,4 @@ void dspev(char jobz, char uplo, long n, double* ap, double* w, double* z, long 
 
 }  // namespace lapack
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -1,8 +1,10 @@
 // Medit mesh and solution text files (write only).
 #pragma once
 
+#include "export.h"
 #include "element_type.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -36,3 +38,4 @@ int medit_tensor(char const* file_name, dense2D<double> const& values);
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -139,3 +140,4 @@ inline io_report write_mesh(std::string const& path, mesh const& m, io_options c
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

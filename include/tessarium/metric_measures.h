@@ -13,6 +13,7 @@
 #include "export.h"
 #include "histogram.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -54,3 +55,4 @@ TESSARIUM_API int H_shock(dense2D<double> const& pos, dense2D<unsigned> const& e
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -14,6 +14,7 @@
 #include "export.h"
 #include "fixed.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 // The largest finite double: as a bound it means no bound.
@@ -128,3 +129,4 @@ TESSARIUM_API int metrics_gen_iso(dense2D<double> const& pos, dense2D<unsigned> 
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

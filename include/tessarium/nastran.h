@@ -1,10 +1,12 @@
 // NASTRAN bulk data decks: grid points and element connectivities, read and written.
 #pragma once
 
+#include "export.h"
 #include "dense1D.h"
 #include "dense2D.h"
 #include "element_type.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -35,3 +37,4 @@ int NASTRAN_output(char const* file_name, dense2D<double> const& pos, dense2D<un
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

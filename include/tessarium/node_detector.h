@@ -1,12 +1,14 @@
 // Closest-node and box searches over the columns of a coordinate matrix.
 #pragma once
 
+#include "export.h"
 #include "dense1D.h"
 #include "dense2D.h"
 #include "fixed.h"
 
 #include <cstddef>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 template <class Matrix, unsigned D>
@@ -67,3 +69,4 @@ private:
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -12,6 +12,7 @@
 #include "element_type.h"
 #include "export.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -35,3 +36,4 @@ TESSARIUM_API int min_quality(dense2D<double> const& coords, dense2D<unsigned> c
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

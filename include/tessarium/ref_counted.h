@@ -1,10 +1,12 @@
 // Reference-counted storage base and raw storage functions of the math1 platform layer.
 #pragma once
 
+#include "export.h"
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace math1 {
 
@@ -37,3 +39,4 @@ public:
 
 }  // namespace math1
 }  // namespace qv7
+TESSARIUM_EXPORT_END

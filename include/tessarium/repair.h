@@ -1,10 +1,12 @@
 // Mesh repair: merging close nodes, dropping degenerate elements and unused nodes, clipping.
 #pragma once
 
+#include "export.h"
 #include "dense1D.h"
 #include "dense2D.h"
 #include "fixed.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -66,3 +68,4 @@ int clip(dense2D<double> const& pos, dense2D<unsigned> const& connect, vector_fi
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

@@ -1,9 +1,11 @@
 // Closed-form solvers and small-matrix products on the fixed-size types.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 #include "fixed.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 // Symmetric 2 x 2 system [a b; b c] x = r, with at most n relaxed refinement steps.
@@ -52,3 +54,4 @@ void __Bt_A_B_op(double alpha, symmetric_fixed<double, 3> const& A, Bmat const& 
 
 }  // namespace matmat
 }  // namespace qv7
+TESSARIUM_EXPORT_END

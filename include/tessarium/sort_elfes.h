@@ -1,8 +1,10 @@
 // Groups the columns of a mixed connectivity by node count, largest first.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -21,3 +23,4 @@ int sort_elfes(dense2D<unsigned>& connectM, dense2D<unsigned>& neighbours, dense
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

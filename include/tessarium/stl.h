@@ -1,8 +1,10 @@
 // STL triangle surfaces, text and binary.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -22,3 +24,4 @@ int STL_output(char const* file_name, dense2D<double> const& pos, dense2D<unsign
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

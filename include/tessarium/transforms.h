@@ -8,9 +8,11 @@
 // the node set before they look at the list.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 #include "fixed.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -78,3 +80,4 @@ int inc_bounding_box(dense2D<double> const& pos, dense2D<unsigned> const& connec
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

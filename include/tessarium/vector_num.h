@@ -1,6 +1,7 @@
 // The shared, reference-counted storage block behind dense1D and dense2D.
 #pragma once
 
+#include "export.h"
 #include "ref_counted.h"
 
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <new>
 #include <type_traits>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 
 // Default-constructs every object of [begin, end). On an exception from a constructor,
@@ -103,3 +105,4 @@ private:
 };
 
 }  // namespace qv7
+TESSARIUM_EXPORT_END

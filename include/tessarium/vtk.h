@@ -1,10 +1,12 @@
 // Legacy VTK unstructured-grid text files (write only).
 #pragma once
 
+#include "export.h"
 #include "element_type.h"
 
 #include <cstdio>
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -33,3 +35,4 @@ int vtk_output(char const* file_name, dense2D<double> const& pos, dense2D<unsign
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END

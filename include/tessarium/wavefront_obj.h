@@ -2,9 +2,11 @@
 // quadrilaterals. Files count from 1, memory from 0.
 #pragma once
 
+#include "export.h"
 #include "dense2D.h"
 #include "element_type.h"
 
+TESSARIUM_EXPORT_BEGIN
 namespace qv7 {
 namespace tessarium {
 
@@ -33,3 +35,4 @@ int WavefrontOBJ_output(char const* file_name, dense2D<double> const& pos, dense
 
 }  // namespace tessarium
 }  // namespace qv7
+TESSARIUM_EXPORT_END
